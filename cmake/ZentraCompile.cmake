@@ -1,0 +1,44 @@
+# One place for every compiler flag of the project.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
+set(CMAKE_C_FLAGS_RELEASE "-O2 -DNDEBUG")
+set(CMAKE_POSITION_INDEPENDENT_CODE ${UNIX})
+
+# Results are the same to the last bit on every build: SSE arithmetic only, one rounding per operation
+# (no fused multiply-add), no reassociation. Never add -ffast-math or -mfma without -ffp-contract=off.
+add_compile_options(-msse2 -mfpmath=sse -ffp-contract=off)
+
+# Two builds of one commit in two folders are byte-identical.
+add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+
+if(WIN32)
+  add_compile_definitions(WINVER=0x0601 _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
+  # Everything static: the host needs no runtime DLL of ours.
+  add_link_options(-static -static-libgcc -static-libstdc++ -Wl,--no-insert-timestamp)
+endif()
+
+if(ZENTRA_SANITIZE)
+  add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  add_link_options(-fsanitize=address,undefined)
+endif()
+
+# Our own sources: warnings are errors.
+function(zentra_warnings target)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wshadow -Wconversion -Werror
+    $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>)
+endfunction()
+
+# What runs inside a host: no exceptions, no run-time types, unused functions dropped at link time.
+function(zentra_library_code target)
+  zentra_warnings(${target})
+  target_compile_options(${target} PRIVATE
+    $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
+    -ffunction-sections -fdata-sections -fvisibility=hidden)
+  target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
+endfunction()

@@ -1,0 +1,22 @@
+// The processor's floating-point environment: rounding, precision, masks and sticky flags of both units.
+#pragma once
+
+#include <cstdint>
+
+namespace z3d::platform {
+
+// Everything that a caller could notice, bit for bit.
+struct FloatingPointState {
+    std::uint32_t x87[7]; // the FNSTENV image: control word, status word, tags and pointers
+    std::uint32_t mxcsr;
+};
+
+// Saves the current state, then sets the library's own: every exception masked, round to nearest, 64-bit
+// x87 mantissa, denormals kept, no flag raised. Hosts run with other precisions, unmasked exceptions or
+// flush-to-zero; the results must not depend on it, and no exception of ours may reach a host's handler.
+void EnterLibraryFloatingPoint(FloatingPointState& saved);
+
+// Puts a saved state back exactly; whatever was raised since is dropped.
+void RestoreFloatingPoint(const FloatingPointState& saved);
+
+} // namespace z3d::platform

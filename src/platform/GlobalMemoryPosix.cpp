@@ -1,0 +1,71 @@
+#include "platform/GlobalMemory.h"
+
+#include "platform/Refusal.h"
+
+#include <cstdlib>
+
+namespace z3d::platform {
+namespace {
+
+// The pixels are an allocation of their own, so that memory checkers see every access beyond their ends.
+struct Block {
+    unsigned char* pixels; // null for a block of 0 bytes
+    std::uint32_t lockCount;
+    Block* next;
+};
+
+// Few blocks are alive at a time (one per slice), and only BlockFromAddress walks the list.
+Block* firstBlock = nullptr;
+
+} // namespace
+
+BlockHandle BlockAllocate(std::uint32_t bytes) {
+    if (IsRefused(Resource::Block)) return nullptr;
+    auto* block = static_cast<Block*>(std::malloc(sizeof(Block)));
+    if (block == nullptr) return nullptr;
+    auto* pixels = bytes == 0 ? nullptr : static_cast<unsigned char*>(std::calloc(bytes, 1));
+    if (bytes != 0 && pixels == nullptr) {
+        std::free(block);
+        return nullptr;
+    }
+    *block = {pixels, 0, firstBlock};
+    firstBlock = block;
+    NoteGranted(Resource::Block);
+    return block;
+}
+
+void* BlockLock(BlockHandle handle) {
+    if (IsRefused(Resource::BlockLock)) return nullptr;
+    auto* block = static_cast<Block*>(handle);
+    if (block == nullptr || block->pixels == nullptr) return nullptr;
+    ++block->lockCount;
+    NoteGranted(Resource::BlockLock);
+    return block->pixels;
+}
+
+std::int32_t BlockUnlock(BlockHandle handle) {
+    NoteReleased(Resource::BlockLock);
+    auto* block = static_cast<Block*>(handle);
+    if (block == nullptr || block->lockCount == 0) return 0;
+    --block->lockCount;
+    return block->lockCount != 0;
+}
+
+void BlockFree(BlockHandle handle) {
+    if (handle == nullptr) return;
+    NoteReleased(Resource::Block);
+    auto* block = static_cast<Block*>(handle);
+    Block** link = &firstBlock;
+    while (*link != block) link = &(*link)->next;
+    *link = block->next;
+    std::free(block->pixels);
+    std::free(block);
+}
+
+BlockHandle BlockFromAddress(const void* address) {
+    Block* block = firstBlock;
+    while (block != nullptr && block->pixels != address) block = block->next;
+    return block;
+}
+
+} // namespace z3d::platform

@@ -1,0 +1,22 @@
+#include "platform/Heap.h"
+
+#include "platform/Refusal.h"
+
+#include <cstdlib>
+
+namespace z3d::platform {
+
+void* HeapAllocate(std::size_t bytes) {
+    if (IsRefused(Resource::Heap)) return nullptr;
+    void* memory = std::malloc(bytes == 0 ? 1 : bytes);
+    if (memory != nullptr) NoteGranted(Resource::Heap);
+    return memory;
+}
+
+void HeapFree(void* memory) {
+    if (memory == nullptr) return;
+    NoteReleased(Resource::Heap);
+    std::free(memory);
+}
+
+} // namespace z3d::platform
