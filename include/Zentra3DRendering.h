@@ -1,4 +1,23 @@
-/* Zentra3DRendering: renders 3D image volumes. The library's one public header. */
+/*
+ * Zentra3DRendering - renders 3D image volumes. 32-bit Windows DLL; the library's one public header (C89).
+ *
+ * Link with Zentra3DRendering.lib (short-import format: MinGW, MSVC, clang-cl) or load the DLL and take the
+ * undecorated names with GetProcAddress. A 64-bit process cannot load it (error 193).
+ *
+ * Rules for every function
+ * - Calling convention: stdcall (Z3D_CALL); 4-byte stack alignment is enough. Every argument takes one
+ *   32-bit slot (a double takes two). Of a 16-bit argument only the low 16 bits count.
+ * - Floating point: the host may run with any control word, precision, rounding or exception mask. The
+ *   library switches to its own for the call and puts the host's back exactly. Results do not depend on it.
+ * - Failure: a null handle, a null pointer or 0. No exception leaves the library, nothing is logged, and
+ *   nothing that a failed call took is kept.
+ * - Null pointers: a lock gives null, an unlock 0 (image) or 1 (volume), a free does nothing; elsewhere a
+ *   null pointer gives no effect or the failure result.
+ * - Threads: the library makes none and works on the caller's. Calls on different objects may run at the same
+ *   time. Rendering locks and unlocks its volume, so no two calls may render, lock, unlock or free the same
+ *   volume at the same time.
+ * - Processor: 32-bit x86 with SSE2. Results are the same to the last bit on every processor.
+ */
 #ifndef ZENTRA3DRENDERING_H
 #define ZENTRA3DRENDERING_H
 
@@ -12,23 +31,199 @@ extern "C" {
 #define Z3D_CALL
 #endif
 
+/* ------------------------------------------------------------------------------------------------------ */
+/* Records. Hosts read the fields; only the library writes them. Offsets are for the 32-bit build.          */
+/* ------------------------------------------------------------------------------------------------------ */
+
+/*
+ * An image: width * height pixels, row 0 first, rows without padding, in one movable block of global memory.
+ * Pixel addresses are valid only between a lock and its unlock.
+ */
 typedef struct Image2D {
-    void* mem;
-    unsigned char** rows;
-    unsigned short width;
-    unsigned short height;
-    unsigned int bytesPerPixel;
+    void* mem;                  /* offset  0: HGLOBAL of the pixels; owned by the image */
+    unsigned char** rows;       /* offset  4: `height` row addresses while locked, else null */
+    unsigned short width;       /* offset  8: pixels per row */
+    unsigned short height;      /* offset 10: rows */
+    unsigned int bytesPerPixel; /* offset 12: 1 grey byte; 3 red, green, blue bytes; 4 grey 32-bit float */
 } Image2D;
 
+/*
+ * A volume: `depth` slices of equal size and pixel type, slice 0 first. While it is locked, the voxel at
+ * column x, row y, slice z (all 0-based) starts at sliceRows[z][y] + x * bytesPerPixel.
+ */
 typedef struct Volume3D {
-    Image2D** slices;
-    unsigned char*** sliceRows;
-    unsigned short width;
-    unsigned short height;
-    unsigned short depth;
+    Image2D** slices;           /* offset  0: `depth` images, owned by the volume; an entry may be null */
+    unsigned char*** sliceRows; /* offset  4: `depth` row tables while locked, else null */
+    unsigned short width;       /* offset  8: pixels per row of every slice */
+    unsigned short height;      /* offset 10: rows of every slice */
+    unsigned short depth;       /* offset 12: slices; the record has 16 bytes */
 } Volume3D;
 
-typedef int(Z3D_CALL* ProgressCallback)(void* user, int code, int value);
+/* The order of the three factors of a rotation, leftmost first: 0 = X, 1 = Y, 2 = Z. */
+typedef struct AxisOrder {
+    short axis[3];
+} AxisOrder;
+
+#ifndef Z3D_RECORDS_ONLY /* the library's own sources define it: they have functions of the same names */
+
+/* ------------------------------------------------------------------------------------------------------ */
+/* Images and volumes                                                                                      */
+/* ------------------------------------------------------------------------------------------------------ */
+
+/*
+ * Makes an image whose pixels are all zero.
+ *   width, height    pixels; the low 16 bits of each count
+ *   bytesPerPixel    1, 3 or 4 for the library's own pixel types; any other value is kept as it is
+ * Returns  the image, unlocked.
+ * Fails    null when memory is short.
+ * Owner    the host; release with GlobalFree2D.
+ * Threads  any.
+ * Warning  the block has width * height * bytesPerPixel bytes counted in 32 bits. A larger product wraps, and
+ *          rows then lie outside the block; the library itself never renders such an image. An image of 0
+ *          bytes is made but cannot be locked.
+ */
+Image2D* Z3D_CALL GlobalAlloc2D(unsigned int width, unsigned int height, unsigned int bytesPerPixel);
+
+/*
+ * Makes a volume whose voxels are all zero.
+ *   width, height, depth  voxels; the low 16 bits of each count
+ *   bytesPerPixel         as for GlobalAlloc2D; 0 makes a volume without slices (every entry null), which
+ *                         cannot be locked or rendered until its slices have been attached
+ * Returns  the volume, unlocked. Depth 0 gives a volume with an empty slice table.
+ * Fails    null when memory is short; slices made so far are released.
+ * Owner    the host; release with GlobalFree3D or Free3DData.
+ * Threads  any.
+ */
+Volume3D* Z3D_CALL GlobalAlloc3D(unsigned int width, unsigned int height, unsigned int depth,
+                                 unsigned int bytesPerPixel);
+
+/*
+ * Locks an image and gives the addresses of its rows. Locking a locked image changes nothing and gives the
+ * same table: one unlock is enough.
+ * Returns  a table of `height` row addresses, valid until the unlock.
+ * Fails    null when the table or the lock cannot be had. After a failed lock of the pixels the image keeps a
+ *          table of null rows, and the next call returns that table.
+ * Owner    the image.
+ * Threads  one at a time per image.
+ */
+unsigned char** Z3D_CALL GlobalLock2D(Image2D* image);
+
+/*
+ * Locks every slice of a volume and gives their row tables. Every slice must be there. Locking a locked
+ * volume changes nothing and gives the same table.
+ * Returns  a table of `depth` row tables, valid until the unlock.
+ * Fails    null when a slice is missing or cannot be locked; slices locked so far are unlocked again.
+ * Owner    the volume.
+ * Threads  one at a time per volume.
+ */
+unsigned char*** Z3D_CALL GlobalLock3D(Volume3D* volume);
+
+/*
+ * Unlocks an image.
+ * Returns  0 on success and also when the image was not locked; non-zero when the host itself holds further
+ *          locks on the same pixels.
+ * Threads  one at a time per image.
+ */
+int Z3D_CALL GlobalUnlock2D(Image2D* image);
+
+/*
+ * Unlocks every slice of a volume.
+ * Returns  0 on success; 1 when the volume was not locked, or when the host holds further locks on the pixels
+ *          of every slice.
+ * Threads  one at a time per volume.
+ */
+int Z3D_CALL GlobalUnlock3D(Volume3D* volume);
+
+/* Releases an image, unlocking it first where needed. Null does nothing. Threads: one at a time per image. */
+void Z3D_CALL GlobalFree2D(Image2D* image);
+
+/* Releases a volume with its slices, unlocking it first where needed. Null does nothing. Threads: one at a
+ * time per volume. */
+void Z3D_CALL GlobalFree3D(Volume3D* volume);
+
+/* The same as GlobalFree3D: the way to release a volume that the library returned. Null does nothing. */
+void Z3D_CALL Free3DData(Volume3D* volume);
+
+/* ------------------------------------------------------------------------------------------------------ */
+/* Projections                                                                                             */
+/* ------------------------------------------------------------------------------------------------------ */
+
+/*
+ * The size of the projection of a volume under a rotation: the bounding box of the rotated volume, in pixels
+ * of one voxel each. It depends on the volume's size and the rotation alone; the crop box does not change it.
+ *   volume         its slices are not touched and its lock state stays
+ *   rotation       9 floats, row by row. Row 0 is the view's x axis (to the right), row 1 its y axis (up),
+ *                  row 2 the viewing direction (away from the viewer), each in volume axes.
+ *                  CreateRotateMatrix gives doubles: convert them.
+ *   x0 .. z1       crop box as for GetRotProjection; accepted for symmetry
+ *   width, height  receive the size; each keeps its low 16 bits. A null one is skipped.
+ *   reserved       ignored
+ * Fails    stores 0 and 0 when the volume or the rotation is null, when the rotation is not finite or so large
+ *          that a size does not fit 32 bits, or when memory is short. A volume with a dimension of 0 has a size
+ *          of no meaning.
+ * Threads  any.
+ */
+void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short x1, short y0, short y1,
+                        short z0, short z1, unsigned short* width, unsigned short* height, int reserved);
+
+/*
+ * Renders a rotated projection of a volume: one ray per pixel along the viewing direction, one sample of the
+ * nearest voxel per voxel length. Volumes of 3 bytes per voxel are rendered in colour, all others as grey
+ * bytes.
+ *   volume         every slice present and of the volume's size. It is locked for the call and left unlocked,
+ *                  also when the host had locked it.
+ *   rotation       9 floats as for GetRotDim; expected to be orthonormal: its transpose is its inverse
+ *   mode           what a pixel holds, see below
+ *   x0, x1, y0, y1, z0, z1
+ *                  crop box in voxels, 1-based, inclusive: 1..width, 1..height, 1..depth is the whole volume.
+ *                  Swapped ends and values beyond the volume are put right.
+ *   high, low      intensity window, upper bound first. Grey: tested on the voxel, 0..255. Colour: tested on
+ *                  the sum of the three channels, 0..765. low > high accepts nothing.
+ *   extra          ignored by mode 0
+ *   width, height  receive the size that GetRotDim gives, whatever the mode
+ *   reserved       ignored
+ *
+ * Modes
+ *   0  maximum: the largest voxel in the window (inclusive) along the ray. Colour: the largest of each channel
+ *      among the voxels in the window, so the channels of one pixel may come from different voxels.
+ *   any other: null, with the size stored
+ *
+ * Returns  W * H pixels of 3 floats (12 bytes), top row of the view first, rows without padding, in raw voxel
+ *          scale: 0..255, not normalised. Grey kernels write one value three times. Pixels without a
+ *          contribution hold -3.4028235e38 (bits 0xFF7FFFFF).
+ * Fails    null for an unknown mode; for a null volume, rotation or size pointer; for a rotation that GetRotDim
+ *          refuses; when a dimension is 0, or a slice is missing or differs from the others in size or format;
+ *          when W * H * 12 does not fit 32 bits; when memory is short. Sizes are stored where they are known,
+ *          else 0 and 0. A volume that was to be rendered is left unlocked.
+ * Owner    the host. The pixels are a locked block of global memory; their address is not its handle:
+ *              HGLOBAL block = GlobalHandle(pixels);
+ *              GlobalUnlock(block);
+ *              GlobalFree(block);
+ * Threads  one call per volume at a time.
+ */
+float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short mode, short x0, short x1,
+                                 short y0, short y1, short z0, short z1, float high, float low, float extra,
+                                 unsigned short* width, unsigned short* height, int reserved);
+
+/* ------------------------------------------------------------------------------------------------------ */
+/* Rotations                                                                                               */
+/* ------------------------------------------------------------------------------------------------------ */
+
+/*
+ * The rotation matrix R(order[0]) * R(order[1]) * R(order[2]) of one angle about each axis; it acts on columns.
+ *   matrix   receives 9 doubles, row by row
+ *   order    three axis indexes, 0 = X, 1 = Y, 2 = Z, leftmost factor first; an axis may come twice. An index
+ *            outside 0..2 stands for no rotation.
+ *   angleX, angleY, angleZ
+ *            degrees, always in this order whatever `order` says
+ * A positive X angle turns Y towards Z, a positive Z angle X towards Y, and a positive Y angle Z towards -X.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL CreateRotateMatrix(double* matrix, const AxisOrder* order, float angleX, float angleY,
+                                 float angleZ);
+
+#endif /* Z3D_RECORDS_ONLY */
 
 #ifdef __cplusplus
 }

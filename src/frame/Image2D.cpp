@@ -39,7 +39,8 @@ std::uint8_t** GlobalLock2D(Image2D* image) {
     auto* base = static_cast<std::uint8_t*>(platform::BlockLock(image->mem));
     if (base == nullptr) return nullptr;
     const std::size_t rowBytes = std::size_t{image->width} * image->bytesPerPixel;
-    for (std::size_t y = 0; y < image->height; ++y) image->rows[y] = base + y * rowBytes;
+    for (std::size_t y = 0; y < image->height; ++y)
+        image->rows[y] = base + y * rowBytes;
     return image->rows;
 }
 

@@ -69,7 +69,8 @@ std::int32_t GlobalUnlock3D(Volume3D* volume) {
 void GlobalFree3D(Volume3D* volume) {
     if (volume == nullptr) return;
     if (volume->sliceRows != nullptr) GlobalUnlock3D(volume);
-    for (std::size_t z = 0; z < volume->depth; ++z) GlobalFree2D(volume->slices[z]);
+    for (std::size_t z = 0; z < volume->depth; ++z)
+        GlobalFree2D(volume->slices[z]);
     platform::HeapFree(volume->slices);
     platform::HeapFree(volume);
 }

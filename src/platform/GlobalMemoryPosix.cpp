@@ -56,7 +56,8 @@ void BlockFree(BlockHandle handle) {
     NoteReleased(Resource::Block);
     auto* block = static_cast<Block*>(handle);
     Block** link = &firstBlock;
-    while (*link != block) link = &(*link)->next;
+    while (*link != block)
+        link = &(*link)->next;
     *link = block->next;
     std::free(block->pixels);
     std::free(block);
@@ -64,7 +65,8 @@ void BlockFree(BlockHandle handle) {
 
 BlockHandle BlockFromAddress(const void* address) {
     Block* block = firstBlock;
-    while (block != nullptr && block->pixels != address) block = block->next;
+    while (block != nullptr && block->pixels != address)
+        block = block->next;
     return block;
 }
 

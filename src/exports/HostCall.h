@@ -1,0 +1,34 @@
+// The guard around every exported call. A host may call with any floating-point environment and a stack that
+// is aligned to 4 bytes only (this folder is compiled to realign it at each entry).
+#pragma once
+
+#include "platform/FloatingPoint.h"
+
+namespace z3d::exports {
+
+class LibraryFloatingPoint {
+public:
+    LibraryFloatingPoint() { platform::EnterLibraryFloatingPoint(host_); }
+    ~LibraryFloatingPoint() { platform::RestoreFloatingPoint(host_); }
+    LibraryFloatingPoint(const LibraryFloatingPoint&) = delete;
+    LibraryFloatingPoint& operator=(const LibraryFloatingPoint&) = delete;
+
+private:
+    platform::FloatingPointState host_;
+};
+
+// The work of a call is a function of its own: inlined, its conversions could move past the switch of the
+// floating-point environment, which the optimiser does not see as a dependency.
+template <auto Function, class... Arguments>
+[[gnu::noinline]] auto Work(Arguments... arguments) {
+    return Function(arguments...);
+}
+
+// Calls an internal function in the library's own floating-point environment.
+template <auto Function, class... Arguments>
+auto HostCall(Arguments... arguments) {
+    const LibraryFloatingPoint guard;
+    return Work<Function>(arguments...);
+}
+
+} // namespace z3d::exports

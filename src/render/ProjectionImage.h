@@ -1,0 +1,49 @@
+// The pixels of a projection under construction.
+#pragma once
+
+#include "platform/GlobalMemory.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace z3d::render {
+
+// What a pixel holds that received no contribution, by mode.
+constexpr float kLowestFloat = -3.4028234663852886e38f;
+constexpr float kHighestFloat = 3.4028234663852886e38f;
+
+// Owns a locked block of width * height pixels of three floats, all 0, until the host takes it. Empty when
+// the byte count does not fit 32 bits or memory is short.
+class ProjectionImage {
+public:
+    ProjectionImage(std::int32_t width, std::int32_t height) {
+        const std::uint64_t bytes =
+            static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) * 12;
+        if (width < 1 || height < 1 || bytes > UINT32_MAX) return;
+        block_ = platform::BlockAllocate(static_cast<std::uint32_t>(bytes));
+        if (block_ != nullptr) pixels_ = static_cast<float*>(platform::BlockLock(block_));
+    }
+    ~ProjectionImage() {
+        if (pixels_ != nullptr) platform::BlockUnlock(block_);
+        platform::BlockFree(block_);
+    }
+    ProjectionImage(const ProjectionImage&) = delete;
+    ProjectionImage& operator=(const ProjectionImage&) = delete;
+
+    explicit operator bool() const { return pixels_ != nullptr; }
+    float* Pixels() const { return pixels_; }
+
+    // The host becomes the owner of the block, which stays locked.
+    float* Release() {
+        float* pixels = pixels_;
+        pixels_ = nullptr;
+        block_ = nullptr;
+        return pixels;
+    }
+
+private:
+    platform::BlockHandle block_ = nullptr;
+    float* pixels_ = nullptr;
+};
+
+} // namespace z3d::render
