@@ -10,6 +10,7 @@ namespace {
 
 bool HasUniformSlices(const ::Volume3D& volume) {
     if (volume.width == 0 || volume.height == 0 || volume.depth == 0) return false;
+    if (volume.slices == nullptr || volume.slices[0] == nullptr) return false;
     const ::Image2D* first = volume.slices[0];
     for (std::size_t z = 0; z < volume.depth; ++z) {
         const ::Image2D* slice = volume.slices[z];

@@ -134,7 +134,7 @@ float* ProjectionRenderer::Render(std::int32_t mode, const RenderArguments& argu
                                   std::uint16_t* height) {
     StoreSize(width, height);
     if (!HasValidSize() || width == nullptr || height == nullptr) return nullptr;
-    const Kernel kernel = KernelOf(mode, *volume, arguments.extra);
+    Kernel* kernel = KernelOf(mode, *volume, arguments.extra);
     return kernel == nullptr ? nullptr : kernel(*this, arguments);
 }
 

@@ -1,0 +1,75 @@
+// The product's renderer against the plain form, bit for bit, over random volumes and requests.
+#include "reference/ReferenceRenderer.h"
+#include "support/HostVolume.h"
+#include "support/ProceduralVolumes.h"
+#include "support/ProductRenderer.h"
+#include "support/RandomRequests.h"
+#include "support/SameBits.h"
+
+#include <gtest/gtest.h>
+
+#include <tuple>
+
+namespace {
+
+using namespace z3d;
+using namespace z3d::test;
+
+constexpr int kVolumesPerCase = 60;
+constexpr int kRequestsPerVolume = 8;
+
+// Mode and bytes per voxel.
+class Differential : public ::testing::TestWithParam<std::tuple<int, int>> {
+protected:
+    static int Mode() { return std::get<0>(GetParam()); }
+    static int BytesPerVoxel() { return std::get<1>(GetParam()); }
+
+    static void Compare(const reference::Volume& volume, RandomSource& random, int requests) {
+        const HostVolume hostVolume(volume);
+        for (int index = 0; index < requests; ++index) {
+            const reference::Request request = RandomRequest(random, volume, Mode());
+            ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(hostVolume.Get(), request)))
+                << "request " << index << ": " << Describe(request) << "\n"
+                << Describe(volume);
+        }
+    }
+};
+
+TEST_P(Differential, SmallVolumes) {
+    for (std::uint32_t seed = 1; seed <= kVolumesPerCase; ++seed) {
+        SCOPED_TRACE(::testing::Message() << "seed " << seed);
+        RandomSource random(seed);
+        const reference::Volume volume = RandomVolume(random, RandomSize(random, 20, BytesPerVoxel()));
+        ASSERT_NO_FATAL_FAILURE(Compare(volume, random, kRequestsPerVolume));
+    }
+}
+
+TEST_P(Differential, ThinVolumes) {
+    for (std::uint32_t seed = 1; seed <= kVolumesPerCase; ++seed) {
+        SCOPED_TRACE(::testing::Message() << "seed " << seed);
+        RandomSource random(1000 + seed);
+        VolumeSize size = RandomSize(random, 12, BytesPerVoxel());
+        // Each side of 1, 2 and 3 voxels in turn, alone and together with a second one.
+        const int side = 1 + static_cast<int>(seed % 3);
+        if (seed % 2 == 0) size.depth = side;
+        if (seed % 5 < 2) size.width = side;
+        if (seed % 7 < 3) size.height = side;
+        ASSERT_NO_FATAL_FAILURE(Compare(RandomVolume(random, size), random, kRequestsPerVolume));
+    }
+}
+
+TEST_P(Differential, VolumesLongOnOneAxis) {
+    for (std::uint32_t seed = 1; seed <= 9; ++seed) {
+        SCOPED_TRACE(::testing::Message() << "seed " << seed);
+        RandomSource random(2000 + seed);
+        VolumeSize size = RandomSize(random, 4, BytesPerVoxel());
+        int* const sides[] = {&size.width, &size.height, &size.depth};
+        *sides[seed % 3] = 300;
+        ASSERT_NO_FATAL_FAILURE(Compare(RandomVolume(random, size), random, 2));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllModes, Differential,
+                         ::testing::Combine(::testing::Range(0, 7), ::testing::Values(1, 2, 3, 4)));
+
+} // namespace
