@@ -1,0 +1,53 @@
+#include "reference/ReferenceRenderer.h"
+
+#include "reference/ReferenceModes.h"
+
+#include <bit>
+
+namespace z3d::reference {
+
+namespace {
+
+using Kernel = void (*)(const Scene& scene, std::vector<float>& pixels);
+
+Kernel SelectKernel(int mode, bool colour) {
+    switch (mode) {
+    case 0:
+        return colour ? MaxProjectionRgb : MaxProjectionGrey;
+    case 1:
+        return colour ? MinProjectionRgb : MinProjectionGrey;
+    case 2:
+        return colour ? SumProjectionRgb : SumProjectionGrey;
+    case 6:
+        return colour ? FirstHitRgb : FirstHitGrey;
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+Projection Render(const Volume& volume, const Request& request) {
+    Projection projection;
+    const std::optional<Frame> frame = BuildFrame(volume, request);
+    if (!frame) return projection;
+    projection.width = frame->outputSize[0];
+    projection.height = frame->outputSize[1];
+    projection.depth = frame->outputSize[2];
+
+    const float extra = std::bit_cast<float>(request.extraBits);
+    const Kernel kernel = SelectKernel(request.mode, volume.bytesPerVoxel == 3);
+    if (kernel == nullptr) return projection;
+
+    // Pixels of 12 bytes have to fit a block whose size has 32 bits.
+    const std::uint64_t pixelCount =
+        static_cast<std::uint64_t>(projection.width) * static_cast<std::uint64_t>(projection.height);
+    if (pixelCount > 0xFFFFFFFFu / 12) return projection;
+
+    projection.pixels.assign(static_cast<std::size_t>(pixelCount) * 3, 0.0f);
+    kernel(Scene{volume, *frame, request.high, request.low, extra}, projection.pixels);
+    projection.rendered = true;
+    return projection;
+}
+
+} // namespace z3d::reference
