@@ -44,9 +44,9 @@ void* BlockLock(BlockHandle handle) {
 }
 
 std::int32_t BlockUnlock(BlockHandle handle) {
-    NoteReleased(Resource::BlockLock);
     auto* block = static_cast<Block*>(handle);
     if (block == nullptr || block->lockCount == 0) return 0;
+    NoteReleased(Resource::BlockLock);
     --block->lockCount;
     return block->lockCount != 0;
 }

@@ -22,8 +22,10 @@ void* BlockLock(BlockHandle block) {
 }
 
 std::int32_t BlockUnlock(BlockHandle block) {
-    NoteReleased(Resource::BlockLock);
-    return GlobalUnlock(block);
+    const BOOL isStillLocked = GlobalUnlock(block);
+    const bool wasLocked = isStillLocked || GetLastError() == NO_ERROR;
+    if (wasLocked) NoteReleased(Resource::BlockLock);
+    return isStillLocked;
 }
 
 void BlockFree(BlockHandle block) {

@@ -28,7 +28,8 @@ protected:
         const HostVolume hostVolume(volume);
         for (int index = 0; index < requests; ++index) {
             const reference::Request request = RandomRequest(random, volume, Mode());
-            ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(hostVolume.Get(), request)))
+            ASSERT_TRUE(
+                SameBits(reference::Render(volume, request), RenderProduct(hostVolume.Get(), request)))
                 << "request " << index << ": " << Describe(request) << "\n"
                 << Describe(volume);
         }

@@ -20,9 +20,7 @@ void Plan(std::int64_t first, std::int64_t last) {
     lastRefused = last;
 }
 
-std::int64_t& CountOf(platform::Resource resource) {
-    return outstanding[static_cast<std::size_t>(resource)];
-}
+std::int64_t& CountOf(platform::Resource resource) { return outstanding[static_cast<std::size_t>(resource)]; }
 
 } // namespace
 
@@ -34,7 +32,8 @@ std::int64_t Outstanding(platform::Resource resource) { return CountOf(resource)
 
 std::int64_t OutstandingInTotal() {
     std::int64_t total = 0;
-    for (const std::int64_t count : outstanding) total += count;
+    for (const std::int64_t count : outstanding)
+        total += count;
     return total;
 }
 

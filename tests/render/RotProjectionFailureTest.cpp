@@ -1,0 +1,257 @@
+// What rendering and sizing do when they cannot: the failure result, the volume unlocked, nothing leaked.
+#include "render/RotProjection.h"
+
+#include "frame/Image2D.h"
+#include "frame/Volume3D.h"
+#include "platform/GlobalMemory.h"
+#include "render/Modes.h"
+#include "support/HostVolume.h"
+#include "support/ProductRenderer.h"
+#include "support/Refusals.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using namespace z3d;
+using namespace z3d::test;
+
+constexpr float kIdentityRotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+constexpr render::CropBox kWhole = {0, 3, 0, 2, 0, 1};
+constexpr render::RenderArguments kEverything = {255, 0, 0};
+
+struct Size {
+    std::uint16_t width = 0xAAAA;
+    std::uint16_t height = 0xAAAA;
+};
+
+float* Render(::Volume3D* volume, Size& size, const float* rotation = kIdentityRotation,
+              std::int16_t mode = 0) {
+    return render::GetRotProjection(volume, rotation, mode, kWhole, kEverything, &size.width, &size.height,
+                                    0);
+}
+
+void ExpectRefused(::Volume3D* volume, const float* rotation, Size expected) {
+    for (std::int16_t mode = 0; mode < 7; ++mode) {
+        Size size;
+        EXPECT_EQ(Render(volume, size, rotation, mode), nullptr) << "mode " << mode;
+        EXPECT_EQ(size.width, expected.width);
+        EXPECT_EQ(size.height, expected.height);
+    }
+}
+
+TEST(RotProjection, StoresTheSizeAndReturnsNullForUnknownModes) {
+    const HostVolume volume(4, 3, 2, 1);
+    for (const int mode : {-32768, -1, 7, 8, 32767}) {
+        Size size;
+        EXPECT_EQ(Render(volume.Get(), size, kIdentityRotation, static_cast<std::int16_t>(mode)), nullptr);
+        EXPECT_EQ(size.width, 4);
+        EXPECT_EQ(size.height, 3);
+    }
+}
+
+TEST(RotProjection, LeavesTheLockStateAloneForUnknownModesAndSizes) {
+    const HostVolume volume(4, 3, 2, 1);
+    frame::GlobalLock3D(volume.Get());
+
+    Size size;
+    Render(volume.Get(), size, kIdentityRotation, 7);
+    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, &size.width, &size.height, 0);
+
+    EXPECT_NE(volume->sliceRows, nullptr);
+}
+
+TEST(RotProjection, UnlocksAVolumeThatTheHostHadLocked) {
+    const HostVolume volume(4, 3, 2, 1);
+    frame::GlobalLock3D(volume.Get());
+
+    Size size;
+    float* pixels = Render(volume.Get(), size);
+
+    EXPECT_NE(pixels, nullptr);
+    EXPECT_EQ(volume->sliceRows, nullptr);
+    EXPECT_EQ(volume->slices[0]->rows, nullptr);
+    FreeProjection(pixels);
+}
+
+TEST(RotProjection, UnlocksTheVolumeAlsoWhenTheRotationIsNull) {
+    const HostVolume volume(4, 3, 2, 1);
+    frame::GlobalLock3D(volume.Get());
+
+    Size size;
+    EXPECT_EQ(Render(volume.Get(), size, nullptr), nullptr);
+
+    EXPECT_EQ(volume->sliceRows, nullptr);
+    EXPECT_EQ(size.width, 0);
+    EXPECT_EQ(size.height, 0);
+}
+
+TEST(RotProjection, RefusesANullVolume) { ExpectRefused(nullptr, kIdentityRotation, {0, 0}); }
+
+TEST(RotProjection, RefusesANullSizePointerButStoresTheOther) {
+    const HostVolume volume(4, 3, 2, 1);
+    Size size;
+
+    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, 0, kWhole, kEverything, nullptr,
+                                       &size.height, 0),
+              nullptr);
+    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, 0, kWhole, kEverything, &size.width,
+                                       nullptr, 0),
+              nullptr);
+
+    EXPECT_EQ(size.width, 4);
+    EXPECT_EQ(size.height, 3);
+}
+
+TEST(RotProjection, RefusesARotationThatIsNotFinite) {
+    const HostVolume volume(4, 3, 2, 1);
+    for (const float bad : {std::numeric_limits<float>::quiet_NaN(), std::numeric_limits<float>::infinity(),
+                            -std::numeric_limits<float>::infinity(), 3e38f, 3e9f}) {
+        for (int element = 0; element < 9; ++element) {
+            float rotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+            rotation[element] = bad;
+            ExpectRefused(volume.Get(), rotation, {0, 0});
+
+            Size size;
+            render::GetRotDim(volume.Get(), rotation, kWhole, &size.width, &size.height, 0);
+            EXPECT_EQ(size.width, 0);
+            EXPECT_EQ(size.height, 0);
+        }
+    }
+}
+
+TEST(RotProjection, RefusesAnImageThatDoesNotFit32BitsButStoresItsSize) {
+    // 19001 * 19001 * 12 bytes is more than 2^32.
+    const HostVolume volume(20, 20, 1, 1);
+    const float rotation[9] = {1000, 0, 0, 0, 1000, 0, 0, 0, 1};
+    ExpectRefused(volume.Get(), rotation, {19001, 19001});
+}
+
+TEST(RotProjection, ReportsTheLow16BitsOfAWideProjection) {
+    // 100 * 999 + 1 = 99901 = 65536 + 34365 pixels.
+    const HostVolume volume(1000, 1, 1, 1);
+    const float rotation[9] = {100, 0, 0, 0, 1, 0, 0, 0, 1};
+    Size size;
+
+    float* pixels = Render(volume.Get(), size, rotation);
+
+    ASSERT_NE(pixels, nullptr);
+    EXPECT_EQ(size.width, 34365);
+    EXPECT_EQ(pixels[3 * 99900], -3.4028234663852886e38f); // the array has the full width
+    FreeProjection(pixels);
+}
+
+TEST(RotProjection, RefusesAMissingSlice) {
+    const HostVolume volume(4, 3, 2, 1);
+    for (std::size_t z = 0; z < 2; ++z) {
+        ::Image2D* slice = volume->slices[z];
+        volume->slices[z] = nullptr;
+        ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+        EXPECT_EQ(volume->sliceRows, nullptr);
+        volume->slices[z] = slice;
+    }
+}
+
+TEST(RotProjection, RefusesAVolumeWithoutSlices) {
+    const HostVolume volume(4, 3, 2, 0);
+    ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+}
+
+TEST(RotProjection, RefusesASliceOfAnotherSizeOrFormat) {
+    const HostVolume volume(4, 3, 2, 1);
+    ::Image2D* slice = volume->slices[1];
+    for (::Image2D* other :
+         {frame::GlobalAlloc2D(3, 3, 1), frame::GlobalAlloc2D(4, 2, 1), frame::GlobalAlloc2D(4, 3, 3)}) {
+        volume->slices[1] = other;
+        ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+        frame::GlobalFree2D(other);
+    }
+    volume->slices[1] = slice;
+}
+
+TEST(RotProjection, RefusesASliceWhoseBytesDoNotFit32Bits) {
+    const HostVolume volume(4096, 4096, 1, 0);
+    // 4096 * 4096 * 257 wraps to 2^24 bytes: the block is smaller than its rows say.
+    volume->slices[0] = frame::GlobalAlloc2D(4096, 4096, 257);
+    ASSERT_NE(volume->slices[0], nullptr);
+    ExpectRefused(volume.Get(), kIdentityRotation, {4096, 4096});
+}
+
+TEST(RotProjection, RefusesAVolumeWithADimensionOf0) {
+    for (const auto& [width, height, depth] : {std::array{0u, 3u, 2u}, {4u, 0u, 2u}, {4u, 3u, 0u}}) {
+        const HostVolume volume(width, height, depth, 1);
+        Size size;
+        EXPECT_EQ(Render(volume.Get(), size), nullptr);
+        EXPECT_EQ(volume->sliceRows, nullptr);
+    }
+}
+
+TEST(RotProjection, RefusesARowTableThatAFailedLockLeftUnfilled) {
+    const HostVolume volume(4, 3, 2, 1);
+    RefuseRequest(1); // the table is granted, the lock is not
+    EXPECT_EQ(frame::GlobalLock2D(volume->slices[1]), nullptr);
+    RefuseNothing();
+    ASSERT_NE(volume->slices[1]->rows, nullptr);
+
+    Size size;
+    EXPECT_EQ(Render(volume.Get(), size), nullptr);
+    EXPECT_EQ(volume->sliceRows, nullptr);
+}
+
+TEST(RotProjection, EndsInNullAndLeaksNothingWhateverIsRefused) {
+    for (const std::uint32_t bytesPerVoxel : {1u, 3u}) {
+        for (std::int16_t mode = 0; mode < 7; ++mode) {
+            const HostVolume volume(9, 8, 7, bytesPerVoxel);
+            ForEveryRefusal([&](bool refused) {
+                Size size;
+                float* pixels = Render(volume.Get(), size, kIdentityRotation, mode);
+                EXPECT_EQ(pixels == nullptr, refused);
+                EXPECT_EQ(volume->sliceRows, nullptr);
+                if (pixels != nullptr) FreeProjection(pixels);
+                // The slice whose lock was refused keeps its unfilled row table until it is unlocked.
+                for (std::size_t z = 0; z < 7; ++z) frame::GlobalUnlock2D(volume->slices[z]);
+            });
+        }
+    }
+}
+
+TEST(RotDim, StoresNoSizeWhenMemoryIsShort) {
+    const HostVolume volume(4, 3, 2, 1);
+    Size size;
+
+    RefuseRequest(0);
+    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, &size.width, &size.height, 0);
+    RefuseNothing();
+
+    EXPECT_EQ(size.width, 0);
+    EXPECT_EQ(size.height, 0);
+}
+
+TEST(RotDim, SkipsNullSizePointers) {
+    const HostVolume volume(4, 3, 2, 1);
+    Size size;
+
+    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, nullptr, &size.height, 0);
+    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, &size.width, nullptr, 0);
+    render::GetRotDim(nullptr, nullptr, kWhole, nullptr, nullptr, 0);
+
+    EXPECT_EQ(size.width, 4);
+    EXPECT_EQ(size.height, 3);
+}
+
+TEST(RotProjection, LeaksNothingOverManyRounds) {
+    const HostVolume volume(4, 3, 2, 1);
+    const std::int64_t before = OutstandingInTotal();
+
+    for (int round = 0; round < 100'000; ++round) {
+        Size size;
+        FreeProjection(Render(volume.Get(), size, kIdentityRotation, static_cast<std::int16_t>(round % 7)));
+    }
+
+    EXPECT_EQ(OutstandingInTotal(), before);
+}
+
+} // namespace
