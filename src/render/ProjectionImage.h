@@ -8,10 +8,6 @@
 
 namespace z3d::render {
 
-// What a pixel holds that received no contribution, by mode.
-constexpr float kLowestFloat = -3.4028234663852886e38f;
-constexpr float kHighestFloat = 3.4028234663852886e38f;
-
 // Owns a locked block of width * height pixels of three floats, all 0, until the host takes it. Empty when
 // the byte count does not fit 32 bits or memory is short.
 class ProjectionImage {

@@ -135,7 +135,7 @@ float* ProjectionRenderer::Render(std::int32_t mode, const RenderArguments& argu
     StoreSize(width, height);
     if (!HasValidSize() || width == nullptr || height == nullptr) return nullptr;
     Kernel* kernel = KernelOf(mode, *volume, arguments.extra);
-    return kernel == nullptr ? nullptr : kernel(*this, arguments);
+    return kernel == nullptr ? nullptr : RenderWithKernel(kernel, *this, arguments);
 }
 
 } // namespace z3d::render

@@ -1,0 +1,183 @@
+// Sixteen samples of each of the sixteen rays of a packet: from exact positions to voxels.
+#pragma once
+
+#include "render/ProjectionJob.h"
+#include "render/isa/Vector.h"
+
+namespace z3d::render::Z3D_ISA {
+
+constexpr int kRays = 16;    // of a packet: 4 x 4 neighbouring pixels
+constexpr int kSamples = 16; // of a stretch
+
+// Where the next sample of each ray lies, in volume index space.
+struct alignas(64) Positions {
+    float axis[3][kRays];
+};
+
+// Voxel indexes of a stretch. `plane` counts voxels from the first one of slice z.
+struct alignas(64) Indexes {
+    std::uint32_t z[kSamples][kRays];
+    std::uint32_t plane[kSamples][kRays];
+    float position[3][kSamples][kRays]; // filled on request
+};
+
+// The nearest voxel to a coordinate c is trunc(c + 0.49), in doubles, clamped to the volume. For floats that
+// equals i = trunc(c), plus 1 where c - i > 0.51f, with c clamped first: checked for every float of the
+// interval (-2, 65536). The addition rounded in single precision differs.
+constexpr float kUpperPart = 0.51f;
+
+// Turns positions into voxel indexes, 16 samples per ray, and leaves the positions behind the last sample.
+class IndexWalk {
+public:
+    explicit IndexWalk(const ProjectionJob& job, bool backToFront, std::int32_t margin) {
+        const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
+        for (int axis = 0; axis < 3; ++axis) {
+            const float step = job.geometry.inverse[3 * axis + 2];
+            step_[axis] = backToFront ? -step : step;
+            // An axis too short for the margin has no inner voxel: take its border then.
+            const std::int32_t last = sizes[axis] - 1;
+            first_[axis] = static_cast<float>(margin > last - margin ? Inside(last - margin, last) : margin);
+            last_[axis] =
+                static_cast<float>(margin > last - margin ? Inside(last - margin, last) : last - margin);
+        }
+        width_ = static_cast<std::uint32_t>(job.grid.width);
+        // Indexes within a slice are formed in floats as long as they are exact there.
+        isSmallPlane_ = static_cast<std::int64_t>(job.grid.width) * job.grid.height <= (1 << 24);
+    }
+
+    template <bool kKeepPositions>
+    Z3D_INLINE void NextStretch(Positions& positions, int samples, Indexes& indexes) const {
+        if (isSmallPlane_) {
+            Walk<true, kKeepPositions>(positions, samples, indexes);
+        } else {
+            Walk<false, kKeepPositions>(positions, samples, indexes);
+        }
+    }
+
+    // Moves on by some samples without looking.
+    Z3D_INLINE void Skip(Positions& positions, int samples) const {
+        for (int axis = 0; axis < 3; ++axis) {
+            const Floats step = AllFloats(step_[axis]);
+            Floats at[kRays / kFloatLanes];
+            for (int part = 0; part < kRays / kFloatLanes; ++part) {
+                at[part] = LoadFloats(positions.axis[axis] + part * kFloatLanes);
+            }
+            for (int sample = 0; sample < samples; ++sample) {
+                for (Floats& lanes : at)
+                    lanes += step;
+            }
+            for (int part = 0; part < kRays / kFloatLanes; ++part) {
+                Store(positions.axis[axis] + part * kFloatLanes, at[part]);
+            }
+        }
+    }
+
+private:
+    static std::int32_t Inside(std::int32_t index, std::int32_t last) {
+        return index < 0 ? 0 : (index > last ? last : index);
+    }
+
+    template <bool kSmallPlane, bool kKeepPositions>
+    Z3D_INLINE void Walk(Positions& positions, int samples, Indexes& indexes) const {
+        for (int lane = 0; lane < kRays; lane += kFloatLanes) {
+            Floats x = LoadFloats(positions.axis[0] + lane);
+            Floats y = LoadFloats(positions.axis[1] + lane);
+            Floats z = LoadFloats(positions.axis[2] + lane);
+            for (int sample = 0; sample < samples; ++sample) {
+                if constexpr (kSmallPlane) {
+                    const Floats plane = Nearest(y, 1) * static_cast<float>(width_) + Nearest(x, 0);
+                    Store(indexes.plane[sample] + lane, TruncateUnsigned(plane));
+                } else {
+                    Store(indexes.plane[sample] + lane,
+                          TruncateUnsigned(Nearest(y, 1)) * width_ + TruncateUnsigned(Nearest(x, 0)));
+                }
+                Store(indexes.z[sample] + lane, TruncateUnsigned(Nearest(z, 2)));
+                if constexpr (kKeepPositions) {
+                    Store(indexes.position[0][sample] + lane, x);
+                    Store(indexes.position[1][sample] + lane, y);
+                    Store(indexes.position[2][sample] + lane, z);
+                }
+                x += step_[0];
+                y += step_[1];
+                z += step_[2];
+            }
+            Store(positions.axis[0] + lane, x);
+            Store(positions.axis[1] + lane, y);
+            Store(positions.axis[2] + lane, z);
+        }
+    }
+
+    // The index as a whole float.
+    Z3D_INLINE Floats Nearest(Floats coordinate, int axis) const {
+        const Floats inside = Min(Max(coordinate, AllFloats(first_[axis])), AllFloats(last_[axis]));
+#if Z3D_VECTOR_BYTES == 64
+        // Rounded toward zero, the sum with the largest float below 0.49 is exact enough to be truncated.
+        const __m512 sum =
+            _mm512_add_round_ps(reinterpret_cast<__m512>(inside), _mm512_set1_ps(0x1.f5c28cp-2f),
+                                _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
+        return reinterpret_cast<Floats>(_mm512_roundscale_ps(sum, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC));
+#else
+        const Floats whole = ToFloats(Truncate(inside));
+        const Ints isUpper = inside - whole > kUpperPart;
+        const Floats one = AllFloats(1);
+        return whole + reinterpret_cast<Floats>(isUpper & reinterpret_cast<Ints>(one));
+#endif
+    }
+
+    float step_[3];
+    float first_[3]; // smallest and largest index that is sampled
+    float last_[3];
+    std::uint32_t width_;
+    bool isSmallPlane_;
+};
+
+// The voxels of a stretch by format, one byte per ray and channel.
+struct GreyStretch {
+    Bytes value[kSamples];
+};
+struct RgbStretch {
+    Bytes channel[kSamples][3];
+};
+
+// Voxels are fetched one by one: computed offsets and plain loads beat hardware gathers. Functions of their
+// own, so that their stores are known not to alias the tables.
+[[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
+                                    GreyStretch& __restrict stretch) {
+    const std::uint8_t* const* slices = grid.slices;
+    auto* __restrict to = reinterpret_cast<std::uint8_t*>(stretch.value);
+    const std::uint32_t* z = indexes.z[0];
+    const std::uint32_t* plane = indexes.plane[0];
+    for (int index = 0; index < samples * kRays; ++index)
+        to[index] = slices[z[index]][plane[index]];
+}
+
+[[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
+                                    RgbStretch& __restrict stretch) {
+    const std::uint8_t* const* slices = grid.slices;
+    const std::uint32_t lastVoxel =
+        static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
+    for (int sample = 0; sample < samples; ++sample) {
+        alignas(16) std::uint32_t words[kRays];
+        for (int ray = 0; ray < kRays; ++ray) {
+            const std::uint32_t voxel = indexes.plane[sample][ray];
+            const std::uint8_t* from = slices[indexes.z[sample][ray]] + std::size_t{3} * voxel;
+            // Four bytes at once, except for a slice's last voxel: nothing is read beyond the slice.
+            if (voxel != lastVoxel) {
+                __builtin_memcpy(&words[ray], from, 4);
+            } else {
+                words[ray] = static_cast<std::uint32_t>(from[0] | from[1] << 8 | from[2] << 16);
+            }
+        }
+        const auto* quads = reinterpret_cast<const __m128i*>(words);
+        for (int channel = 0; channel < 3; ++channel) {
+            __m128i part[4];
+            for (int quad = 0; quad < 4; ++quad) {
+                part[quad] = _mm_and_si128(_mm_srli_epi32(quads[quad], 8 * channel), _mm_set1_epi32(0xFF));
+            }
+            stretch.channel[sample][channel] = reinterpret_cast<Bytes>(
+                _mm_packus_epi16(_mm_packs_epi32(part[0], part[1]), _mm_packs_epi32(part[2], part[3])));
+        }
+    }
+}
+
+} // namespace z3d::render::Z3D_ISA

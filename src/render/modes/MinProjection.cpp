@@ -1,0 +1,67 @@
+// Mode 1, minimum-intensity projection: the smallest voxel of each ray that lies in the window.
+//
+// Departures from the frame:
+// - a pixel without a contribution holds the largest float
+// - colour tests the window on the channel sum, but keeps the minimum of each channel by itself
+#include "render/isa/Kernels.h"
+#include "render/isa/PacketWalk.h"
+
+namespace z3d::render::Z3D_ISA {
+namespace {
+
+// Lanes start from 0, so minima are kept as the largest complement.
+struct MinGrey : RuleDefaults {
+    using Format = Grey;
+    static constexpr float kInitial = kHighestFloat;
+    struct Lanes {
+        Bytes largestComplement;
+        Bytes isFound;
+    };
+    GreyWindow window;
+
+    Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
+        const Bytes accepted = window.Accepts(sample) & isValid;
+        lanes.largestComplement = Larger(lanes.largestComplement, ~sample.value & accepted);
+        lanes.isFound |= accepted;
+    }
+    void Finish(const Lanes& lanes, int ray, float* pixel) const {
+        if (lanes.isFound[ray]) {
+            pixel[0] = pixel[1] = pixel[2] = static_cast<float>(255 - lanes.largestComplement[ray]);
+        }
+    }
+};
+
+struct MinRgb : RuleDefaults {
+    using Format = Rgb;
+    static constexpr float kInitial = kHighestFloat;
+    struct Lanes {
+        Bytes largestComplement[3];
+        Bytes isFound;
+    };
+    RgbWindow window;
+
+    Z3D_INLINE void Sample(const RgbSample& sample, Bytes isValid, Lanes& lanes) const {
+        const Bytes accepted = window.Accepts(sample) & isValid;
+        for (int c = 0; c < 3; ++c) {
+            lanes.largestComplement[c] = Larger(lanes.largestComplement[c], ~sample.channel[c] & accepted);
+        }
+        lanes.isFound |= accepted;
+    }
+    void Finish(const Lanes& lanes, int ray, float* pixel) const {
+        if (!lanes.isFound[ray]) return;
+        for (int c = 0; c < 3; ++c)
+            pixel[c] = static_cast<float>(255 - lanes.largestComplement[c][ray]);
+    }
+};
+
+} // namespace
+
+void MinProjectionGrey(const ProjectionJob& job) {
+    RenderPackets(job, MinGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
+}
+
+void MinProjectionRgb(const ProjectionJob& job) {
+    RenderPackets(job, MinRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
+}
+
+} // namespace z3d::render::Z3D_ISA

@@ -1,0 +1,63 @@
+// Mode 2, sum projection: the sum of each ray's voxels that lie in the window, neither averaged nor scaled.
+//
+// Departures from the frame:
+// - the first voxel that counts turns the initial value into a sum of 0
+// - colour tests the window on the channel sum, and sums each channel by itself
+// - sums are kept in single precision: beyond 2^24 they lose integer exactness
+#include "render/isa/FloatLanes.h"
+#include "render/isa/Kernels.h"
+#include "render/isa/PacketWalk.h"
+
+namespace z3d::render::Z3D_ISA {
+namespace {
+
+struct SumGrey : RuleDefaults {
+    using Format = Grey;
+    struct Lanes {
+        FloatLanes sum;
+        Bytes isFound;
+    };
+    GreyWindow window;
+
+    Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
+        const Bytes accepted = window.Accepts(sample) & isValid;
+        lanes.sum.Add(sample.value & accepted);
+        lanes.isFound |= accepted;
+    }
+    void Finish(const Lanes& lanes, int ray, float* pixel) const {
+        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.sum.value[ray];
+    }
+};
+
+struct SumRgb : RuleDefaults {
+    using Format = Rgb;
+    struct Lanes {
+        FloatLanes sum[3];
+        Bytes isFound;
+    };
+    RgbWindow window;
+
+    Z3D_INLINE void Sample(const RgbSample& sample, Bytes isValid, Lanes& lanes) const {
+        const Bytes accepted = window.Accepts(sample) & isValid;
+        for (int c = 0; c < 3; ++c)
+            lanes.sum[c].Add(sample.channel[c] & accepted);
+        lanes.isFound |= accepted;
+    }
+    void Finish(const Lanes& lanes, int ray, float* pixel) const {
+        if (!lanes.isFound[ray]) return;
+        for (int c = 0; c < 3; ++c)
+            pixel[c] = lanes.sum[c].value[ray];
+    }
+};
+
+} // namespace
+
+void SumProjectionGrey(const ProjectionJob& job) {
+    RenderPackets(job, SumGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
+}
+
+void SumProjectionRgb(const ProjectionJob& job) {
+    RenderPackets(job, SumRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
+}
+
+} // namespace z3d::render::Z3D_ISA
