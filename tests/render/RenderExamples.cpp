@@ -1,12 +1,22 @@
 #include "render/RenderExamples.h"
 
 #include <bit>
+#include <iomanip>
+#include <sstream>
+#include <string>
+#include <utility>
 
 namespace z3d::test {
 
 namespace {
 
 std::uint32_t Bits(float value) { return std::bit_cast<std::uint32_t>(value); }
+
+std::string WithBits(float value) {
+    std::ostringstream text;
+    text << std::setprecision(9) << value << " (0x" << std::hex << Bits(value) << ")";
+    return text.str();
+}
 
 } // namespace
 
@@ -86,9 +96,8 @@ reference::Request WithCropZ(reference::Request request, int first, int last) {
     for (std::size_t i = 0; i < expected.size(); ++i) {
         const float actual = projection.pixels[i];
         if (Bits(actual) == Bits(expected[i])) continue;
-        return ::testing::AssertionFailure()
-               << "pixel " << i / 3 << ", float " << i % 3 << ": " << actual << " (0x" << std::hex
-               << Bits(actual) << ") instead of " << expected[i] << " (0x" << Bits(expected[i]) << ")";
+        return ::testing::AssertionFailure() << "pixel " << i / 3 << ", float " << i % 3 << ": "
+                                             << WithBits(actual) << " instead of " << WithBits(expected[i]);
     }
     return ::testing::AssertionSuccess();
 }
