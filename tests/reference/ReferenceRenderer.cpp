@@ -10,7 +10,15 @@ namespace {
 
 using Kernel = void (*)(const Scene& scene, std::vector<float>& pixels);
 
-Kernel SelectKernel(int mode, bool colour) {
+// Not a number counts as 0 and selects the first surface; a denormal is not 0.
+Kernel SelectSurface(bool colour, float extra) {
+    const bool layered = extra < 0.0f || extra > 0.0f;
+    if (layered) return colour ? LayeredSurfaceRgb : LayeredSurfaceGrey;
+    return colour ? FirstSurfaceRgb : FirstSurfaceGrey;
+}
+
+// Null for an unknown mode.
+Kernel SelectKernel(int mode, bool colour, float extra) {
     switch (mode) {
     case 0:
         return colour ? MaxProjectionRgb : MaxProjectionGrey;
@@ -18,6 +26,12 @@ Kernel SelectKernel(int mode, bool colour) {
         return colour ? MinProjectionRgb : MinProjectionGrey;
     case 2:
         return colour ? SumProjectionRgb : SumProjectionGrey;
+    case 3:
+        return SelectSurface(colour, extra);
+    case 4:
+        return colour ? TranslucentBlendRgb : TranslucentBlendGrey;
+    case 5:
+        return colour ? ContrastProjectionRgb : ContrastProjectionGrey;
     case 6:
         return colour ? FirstHitRgb : FirstHitGrey;
     default:
@@ -36,7 +50,7 @@ Projection Render(const Volume& volume, const Request& request) {
     projection.depth = frame->outputSize[2];
 
     const float extra = std::bit_cast<float>(request.extraBits);
-    const Kernel kernel = SelectKernel(request.mode, volume.bytesPerVoxel == 3);
+    const Kernel kernel = SelectKernel(request.mode, volume.bytesPerVoxel == 3, extra);
     if (kernel == nullptr) return projection;
 
     // Pixels of 12 bytes have to fit a block whose size has 32 bits.
