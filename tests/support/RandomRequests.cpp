@@ -107,9 +107,9 @@ std::uint32_t RandomExtra(RandomSource& random) {
 reference::Request RandomRequest(RandomSource& random, const reference::Volume& volume, int mode) {
     const int largestValue = volume.bytesPerVoxel == 3 ? 765 : 255;
     const auto rotationKind = static_cast<RotationKind>(random.Below(kRotationKinds));
-    const auto cropKind = random.Chance(2) ? CropKind::Full : static_cast<CropKind>(random.Below(kCropKinds));
+    const auto cropKind = random.Chance(3) ? static_cast<CropKind>(random.Below(kCropKinds)) : CropKind::Full;
     const auto windowKind =
-        random.Chance(3) ? WindowKind::Full : static_cast<WindowKind>(random.Below(kWindowKinds));
+        random.Chance(2) ? WindowKind::Full : static_cast<WindowKind>(random.Below(kWindowKinds));
 
     reference::Request request = PlainRequest(volume, mode, RandomRotation(random, rotationKind));
     const Crop crop = RandomCrop(random, cropKind, volume);
