@@ -75,6 +75,14 @@ TEST_P(RenderExamples, BlendSkipsNothingAtANaNBound) {
     EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(Blend(volume, 0.0f), 201, kNan)), {kSentinel}));
 }
 
+TEST_P(RenderExamples, BlendInColourSkipsNothingAtANaNBound) {
+    const reference::Volume volume = ColourColumn({{255, 255, 255}});
+
+    EXPECT_TRUE(HasPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNan, kNan)), {255, 255, 255}));
+    EXPECT_TRUE(HasPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNan, 764)),
+                          {kSentinel, kSentinel, kSentinel}));
+}
+
 TEST_P(RenderExamples, BlendInColourUsesOneWeightForAllChannels) {
     const reference::Volume volume = ColourColumn({{0, 0, 255}, {100, 50, 0}});
 

@@ -193,12 +193,46 @@ TEST_P(RenderExamples, ARayThatMeetsNoFaceIsEmpty) {
     EXPECT_TRUE(HasGreyPixels(Render(volume, request), {kSentinel}));
 }
 
+TEST_P(RenderExamples, RaysReachOneStepBeyondTheHalfDepth) {
+    // Depth 5, so the ray reaches from -3 * 0.5: it starts inside the box [-2, 0] of slices 3 to 5 and meets
+    // only its far face. One step further out it would meet the near one too and sample voxel 3 as well.
+    const reference::Volume volume = GreyColumn({1, 2, 4, 8, 16, 32, 64, 128, 255});
+    const reference::Request request = PlainRequest(volume, 2, Scaling(1, 1, 0.5f));
+
+    EXPECT_TRUE(HasGreyPixels(Render(volume, WithCropZ(request, 3, 5)), {16}));
+}
+
+TEST_P(RenderExamples, FacesNearlyParallelToTheRayAreNotHit) {
+    // Along a ray x changes by 4 slopes: less than 0.00001 in the first view, more in the second. The second
+    // column enters the box [-0.5, 0.5] halfway, through its low side, and the third leaves it halfway,
+    // through its high side. Where these faces do not count, each of the two rays has but one depth.
+    const reference::Volume volume = GreyVolume(4, 1, 3, {0, 1, 10, 0, 0, 2, 20, 0, 0, 4, 40, 0});
+    const auto view = [&volume](float slope) {
+        return WithCropX(PlainRequest(volume, 2, {1, 0, 0, 0, 1, 0, slope, 0, 1}), 2, 3);
+    };
+
+    EXPECT_TRUE(HasGreyPixels(Render(volume, view(0x1p-20f)), {kSentinel, 2, 10, kSentinel}));
+    EXPECT_TRUE(HasGreyPixels(Render(volume, view(0x1p-16f)), {kSentinel, 1 + 2, 10 + 20, kSentinel}));
+}
+
 TEST_P(RenderExamples, HalfwayBetweenTwoVoxelsTheLowerOneIsTaken) {
     // Box [-0.5, 0.5] has depths 0.75 to 1.25: samples at 1.5 (voxel 1) and 2.
     const reference::Volume volume = GreyColumn({1, 2, 4, 8, 16});
     const reference::Request request = PlainRequest(volume, 2, Scaling(1, 1, 0.5f));
 
     EXPECT_TRUE(HasGreyPixels(Render(volume, WithCropZ(request, 3, 3)), {2 + 4}));
+}
+
+TEST_P(RenderExamples, TheNextVoxelBeginsAt51Hundredths) {
+    // The top row is at x = 0.5 + slope: 0.50999999 and then 0.5101. With 0.49 as a float the first would
+    // already be voxel 1.
+    const reference::Volume volume = GreyVolume(2, 3, 1, {0, 0, 0, 0, 7, 8});
+    const auto topRow = [&](float slope) {
+        return Render(volume, PlainRequest(volume, 2, {0, 0, 0, slope, 1, 0, 0, 0, 1}));
+    };
+
+    EXPECT_TRUE(HasGreyPixels(topRow(0.01f), {7, 0, 0}));
+    EXPECT_TRUE(HasGreyPixels(topRow(0.0101f), {8, 0, 0}));
 }
 
 TEST_P(RenderExamples, AnAxisSeenEdgeOnIsOnePixelWide) {
