@@ -38,6 +38,19 @@ TEST(WrapRadians, SubtractsAndAddsWholeTurns) {
     EXPECT_TRUE(SameBits(WrapRadians(-10.0), -10.0 + kFullTurn + kFullTurn));
 }
 
+// Each subtraction rounds, so a thousand of them do not give the exact remainder; a million would take long.
+TEST(WrapRadians, TakesUpToAThousandTurnsOffOneByOne) {
+    for (const double angle : {13.0, 500.0, 3000.0, 6283.0}) {
+        double want = angle;
+        while (want > kHalfTurn)
+            want -= kFullTurn;
+
+        EXPECT_TRUE(SameBits(WrapRadians(angle), want)) << angle;
+        EXPECT_TRUE(SameBits(WrapRadians(-angle), -want)) << angle;
+    }
+    EXPECT_TRUE(SameBits(WrapRadians(6284.0), std::remainder(6284.0, kFullTurn)));
+}
+
 TEST(WrapRadians, EndsForEveryFiniteAngle) {
     std::mt19937_64 random(21);
     for (int i = 0; i < 100000; ++i) {

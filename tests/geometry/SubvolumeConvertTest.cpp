@@ -67,9 +67,14 @@ TEST(SubvolumeConvert, WrapsTheWholeNumber) {
     EXPECT_EQ(SubvolumeConvert(kLeast, kLeast, 1, 0), 1);     // 2^62
 }
 
-// 134217731^2 = 18014399314788361 is odd and has 55 bits: the double product ends in 8, not in 9.
-TEST(SubvolumeConvert, FormsTheProductInDouble) {
+// 134217731^2 = 18014399314788361 is odd and has 55 bits: the double product ends in 8, not in 9. The other
+// two quotients are 3787361422222328.62 and 1214982747797759.877, to be rounded to steps of a half and of a
+// quarter: with the product rounded too, the first moves up to the next whole number and the second stays
+// below it.
+TEST(SubvolumeConvert, RoundsTheProductBeforeTheQuotient) {
     EXPECT_EQ(SubvolumeConvert(134217731, 134217731, 1, 0), 8);
+    EXPECT_EQ(SubvolumeConvert(2016845816, 1064748683, 567, 0), 9209);
+    EXPECT_EQ(SubvolumeConvert(259609209, 1595895302, 341, 0), 14591);
 }
 
 TEST(SubvolumeConvert, GivesOneForAnOldScaleOfZero) {
