@@ -1,5 +1,6 @@
 // The product's renderer against the plain form, bit for bit, over random volumes and requests.
 #include "reference/ReferenceRenderer.h"
+#include "render/InstructionSet.h"
 #include "support/HostVolume.h"
 #include "support/ProceduralVolumes.h"
 #include "support/ProductRenderer.h"
@@ -18,9 +19,16 @@ using namespace z3d::test;
 constexpr int kVolumesPerCase = 60;
 constexpr int kRequestsPerVolume = 8;
 
-// Mode and bytes per voxel.
-class Differential : public ::testing::TestWithParam<std::tuple<int, int>> {
+// Mode, bytes per voxel and instruction set.
+class Differential : public ::testing::TestWithParam<std::tuple<int, int, render::InstructionSet>> {
 protected:
+    void SetUp() override {
+        const render::InstructionSet set = std::get<2>(GetParam());
+        if (set > render::BestInstructionSet()) GTEST_SKIP() << "this processor lacks the instruction set";
+        render::ForceInstructionSet(set);
+    }
+    void TearDown() override { render::ForceInstructionSet(render::BestInstructionSet()); }
+
     static int Mode() { return std::get<0>(GetParam()); }
     static int BytesPerVoxel() { return std::get<1>(GetParam()); }
 
@@ -71,6 +79,7 @@ TEST_P(Differential, VolumesLongOnOneAxis) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllModes, Differential,
-                         ::testing::Combine(::testing::Range(0, 7), ::testing::Values(1, 2, 3, 4)));
+                         ::testing::Combine(::testing::Range(0, 7), ::testing::Values(1, 2, 3, 4),
+                                            ::testing::ValuesIn(render::kInstructionSets)));
 
 } // namespace
