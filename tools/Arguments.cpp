@@ -1,0 +1,128 @@
+#include "Arguments.h"
+
+#include <charconv>
+#include <cmath>
+#include <string>
+
+#include "Failure.h"
+#include "Text.h"
+
+namespace z3d::tools {
+
+namespace {
+
+std::string Quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+template <class Number>
+bool Parse(std::string_view text, Number& number) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size();
+}
+
+// Exactly so many pieces, or a failure that shows the wanted form.
+std::vector<std::string_view> Pieces(std::string_view text, char separator, size_t count, const char* form) {
+    std::vector<std::string_view> pieces = Split(text, separator);
+    if (pieces.size() != count) throw BadArgument(Quoted(text) + " is not of the form " + form);
+    return pieces;
+}
+
+struct Bounds {
+    short first, last;
+};
+
+Bounds ParseBounds(std::string_view text) {
+    const auto ends = Pieces(text, ':', 2, "first:last");
+    const Bounds bounds = {static_cast<short>(ParseAxisLength(ends[0])),
+                           static_cast<short>(ParseAxisLength(ends[1]))};
+    if (bounds.first > bounds.last) throw BadArgument(Quoted(text) + " ends before it begins");
+    return bounds;
+}
+
+} // namespace
+
+float ParseFloat(std::string_view text) {
+    float number = 0;
+    if (!Parse(text, number) || std::isnan(number)) throw BadArgument(Quoted(text) + " is not a number");
+    return number;
+}
+
+float ParseFinite(std::string_view text) {
+    const float number = ParseFloat(text);
+    if (!std::isfinite(number)) throw BadArgument(Quoted(text) + " is not a finite number");
+    return number;
+}
+
+int ParseWhole(std::string_view text, int lowest, int highest) {
+    int number = 0;
+    if (!Parse(text, number) || number < lowest || number > highest)
+        throw BadArgument(Quoted(text) + Format(" is not a whole number from %d to %d", lowest, highest));
+    return number;
+}
+
+int ParseAxisLength(std::string_view text) { return ParseWhole(text, 1, kLongestAxis); }
+
+uint64_t ParseByteCount(std::string_view text) {
+    uint64_t number = 0;
+    // Above 2^62 the sum with the voxels' bytes could wrap.
+    if (!Parse(text, number) || number >> 62 != 0)
+        throw BadArgument(Quoted(text) + " is not a number of bytes");
+    return number;
+}
+
+VolumeSize ParseSize(std::string_view text) {
+    const auto axes = Pieces(text, 'x', 3, "181x217x181 (width x height x depth)");
+    return {ParseAxisLength(axes[0]), ParseAxisLength(axes[1]), ParseAxisLength(axes[2])};
+}
+
+VoxelType ParseVoxelType(std::string_view text) {
+    if (text == "uint8") return VoxelType::Grey8;
+    if (text == "rgb8") return VoxelType::Rgb8;
+    throw BadArgument(Quoted(text) + " is neither uint8 nor rgb8");
+}
+
+std::array<float, 3> ParseAngles(std::string_view text) {
+    const auto pieces = Pieces(text, ',', 3, "30,40,50 (degrees about x, y and z)");
+    std::array<float, 3> angles = {};
+    for (size_t i = 0; i < 3; ++i)
+        angles[i] = ParseFinite(pieces[i]);
+    return angles;
+}
+
+short ParseAxis(std::string_view text) {
+    if (text.size() == 1 && text[0] >= 'x' && text[0] <= 'z') return static_cast<short>(text[0] - 'x');
+    throw BadArgument(Quoted(text) + " is none of the axes x, y, z");
+}
+
+AxisOrder ParseOrder(std::string_view text) {
+    AxisOrder order = {};
+    unsigned seen = 0;
+    for (size_t i = 0; i < 3 && text.size() == 3; ++i) {
+        order.axis[i] = ParseAxis(text.substr(i, 1));
+        seen |= 1u << order.axis[i];
+    }
+    if (seen != 7) throw BadArgument(Quoted(text) + " does not name each of the axes x, y, z once");
+    return order;
+}
+
+CropBox ParseCrop(std::string_view text) {
+    const auto pieces = Pieces(text, ',', 3, "x0:x1,y0:y1,z0:z1");
+    const Bounds x = ParseBounds(pieces[0]);
+    const Bounds y = ParseBounds(pieces[1]);
+    const Bounds z = ParseBounds(pieces[2]);
+    return {x.first, x.last, y.first, y.last, z.first, z.last};
+}
+
+Interval ParseInterval(std::string_view text) {
+    const auto ends = Pieces(text, ':', 2, "low:high");
+    const Interval interval = {ParseFloat(ends[0]), ParseFloat(ends[1])};
+    if (interval.low > interval.high) throw BadArgument(Quoted(text) + " has its low end above its high end");
+    return interval;
+}
+
+Colour ParseColour(std::string_view text) {
+    const auto pieces = Pieces(text, ',', 3, "r,g,b");
+    const auto channel = [&](size_t i) { return static_cast<uint8_t>(ParseWhole(pieces[i], 0, 255)); };
+    return {channel(0), channel(1), channel(2)};
+}
+
+} // namespace z3d::tools

@@ -1,0 +1,59 @@
+// Turns what the user typed into numbers. Every function fails with a BadArgument that says what is wanted.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "Colour.h"
+#include "Volume.h"
+
+namespace z3d::tools {
+
+struct Interval {
+    float low, high;
+};
+
+// In voxels, counted from 1, both ends inclusive.
+struct CropBox {
+    short x0, x1, y0, y1, z0, z1;
+};
+
+// Finite or infinite, never NaN.
+float ParseFloat(std::string_view text);
+
+float ParseFinite(std::string_view text);
+
+// 1 to kLongestAxis.
+int ParseAxisLength(std::string_view text);
+
+uint64_t ParseByteCount(std::string_view text);
+
+// "181x217x181"
+VolumeSize ParseSize(std::string_view text);
+
+// "uint8" or "rgb8"
+VoxelType ParseVoxelType(std::string_view text);
+
+// "30,40,50"
+std::array<float, 3> ParseAngles(std::string_view text);
+
+// "zxy": each axis once, leftmost factor first.
+AxisOrder ParseOrder(std::string_view text);
+
+// "x", "y" or "z" as 0, 1 or 2.
+short ParseAxis(std::string_view text);
+
+// "x0:x1,y0:y1,z0:z1", each interval in order and counted from 1.
+CropBox ParseCrop(std::string_view text);
+
+// "low:high", in order.
+Interval ParseInterval(std::string_view text);
+
+// "r,g,b", each 0 to 255.
+Colour ParseColour(std::string_view text);
+
+// A whole number within bounds.
+int ParseWhole(std::string_view text, int lowest, int highest);
+
+} // namespace z3d::tools

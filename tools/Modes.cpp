@@ -1,0 +1,71 @@
+#include "Modes.h"
+
+#include <limits>
+
+#include "Failure.h"
+
+namespace z3d::tools {
+
+namespace {
+
+constexpr float kNoBound = std::numeric_limits<float>::infinity();
+
+constexpr Interval kAllGrey = {0, 255};
+constexpr Interval kAllColour = {0, 765};
+
+// Windows of these are strict: 256 and 766 keep the brightest voxels in. 80 lies between the air and the
+// tissue of most 8-bit scans.
+constexpr Interval kSolidGrey = {80, 256};
+constexpr Interval kSolidColour = {240, 766};
+constexpr Interval kNotEmptyGrey = {0, 256};
+constexpr Interval kNotEmptyColour = {0, 766};
+
+constexpr Interval kBytes = {0, 255};
+constexpr Interval kUnit = {0, 1};
+constexpr Interval kPositive = {0, kNoBound};
+
+constexpr Mode kModes[] = {
+    {"max", 0, Extra::None, 0, kAllGrey, kAllColour, false, kBytes, kBytes,
+     "the brightest voxel along the ray"},
+    {"min", 1, Extra::None, 0, kAllGrey, kAllColour, false, kBytes, kBytes,
+     "the darkest voxel in the window"},
+    {"sum", 2, Extra::None, 0, kAllGrey, kAllColour, true, kPositive, kPositive,
+     "the sum of the voxels in the window"},
+    {"surface", 3, Extra::None, 0, kSolidGrey, kSolidColour, false, kUnit, kUnit,
+     "the first surface of the material, shaded"},
+    {"layers", 3, Extra::Attenuation, 0.5f, kSolidGrey, kSolidColour, true, kPositive, kPositive,
+     "all surfaces of the material, deeper ones fainter"},
+    {"blend", 4, Extra::Transparency, 0.9f, kAllGrey, kAllColour, false, kBytes, kBytes,
+     "translucent, near voxels over far ones"},
+    {"contrast",
+     5,
+     Extra::None,
+     0,
+     kNotEmptyGrey,
+     kNotEmptyColour,
+     true,
+     {0, 1020},
+     {0, 765},
+     "the greatest local contrast along the ray"},
+    {"first", 6, Extra::None, 0, kAllGrey, kAllColour, false, kBytes, kBytes,
+     "the first voxel in the window"},
+};
+
+} // namespace
+
+std::span<const Mode> Modes() { return kModes; }
+
+const Mode& ModeNamed(std::string_view name) {
+    for (const Mode& mode : kModes)
+        if (name == mode.name) return mode;
+    throw BadArgument("'" + std::string(name) + "' is none of the modes " + ModeNames());
+}
+
+std::string ModeNames() {
+    std::string names;
+    for (const Mode& mode : kModes)
+        names += (names.empty() ? "" : ", ") + std::string(mode.name);
+    return names;
+}
+
+} // namespace z3d::tools

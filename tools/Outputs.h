@@ -1,0 +1,46 @@
+// The files a command is asked to write.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "Projection.h"
+
+namespace z3d::tools {
+
+enum class OutputKind { Png, Pfm, Nrrd };
+
+struct Output {
+    OutputKind kind;
+    std::filesystem::path path;
+};
+
+// Which of many pictures a file holds. With 3 digits, picture 7 of dir/out.png is dir/out-007.png; with 0
+// digits there is one picture, and names stay as they are.
+struct PictureNumber {
+    int number;
+    int digits;
+};
+
+// Kinds by extension: .png, .pfm, .nhdr.
+std::vector<Output> ParseOutputs(const std::vector<std::string>& names);
+
+// Every file that writing `outputs` under one number makes.
+std::vector<std::filesystem::path> FilesOf(const std::vector<Output>& outputs, PictureNumber picture);
+
+// Fails when two of the files, or one of them and an input, are the same.
+void CheckDistinct(const std::vector<std::filesystem::path>& files,
+                   const std::vector<std::filesystem::path>& inputs);
+
+// How the pixels of a picture file are made.
+struct Display {
+    bool colour;
+    Interval range;
+    Colour background;
+};
+
+void WriteOutput(const Output& output, PictureNumber picture, const Projection& projection,
+                 const Display& display);
+
+} // namespace z3d::tools

@@ -1,0 +1,56 @@
+#include "ProjectHelp.h"
+
+#include <cmath>
+
+#include "Modes.h"
+#include "Text.h"
+
+namespace z3d::tools {
+
+namespace {
+
+std::string Shown(Interval interval) { return Format("%g:%g", double{interval.low}, double{interval.high}); }
+
+std::string ShownRange(const Mode& mode) {
+    if (mode.autoRange) return "auto";
+    return Shown(mode.greyFull);
+}
+
+std::string ModeTable() {
+    std::string table = Format("%-63s%-12s%-12s%s\n", "Modes", "grey window", "rgb window", "range");
+    for (const Mode& mode : Modes())
+        table += Format("  %-9s%-52s%-12s%-12s%s\n", mode.name, mode.summary, Shown(mode.greyWindow).c_str(),
+                        Shown(mode.colourWindow).c_str(), ShownRange(mode).c_str());
+    return table;
+}
+
+constexpr char kConventions[] = R"(
+  The window of an rgb8 volume tests the sum of the three channels, 0 to 765. Its ends count, except in
+  surface, layers and contrast, where a voxel must lie strictly between them. min and first show the empty
+  voxels around an object unless --window leaves them out.
+
+View
+  Without a rotation x points right, y up and z away from the viewer. The rotation matrix is the product
+  of one rotation about each axis in the order of --order; its rows are the view's right, up and away
+  directions in the volume. For volumes whose z points up, as in most medical data, --rotate -90,0,A shows
+  the upright object turned by A degrees, -105,0,A the same from a little above, and 0,180,0 from the top.
+  Right, up and away are left-handed axes: a scan stored with right-handed ones (x to the patient's right,
+  y to the face, z to the crown) is seen as in a mirror.
+
+Range
+  auto runs from the least to the greatest value in the picture, full over all that the mode can give
+  (for sum and layers: from 0 to the greatest value in the picture). A turntable keeps the range of its
+  first picture. .nhdr and .pfm files keep the values as they are; pixels without a contribution
+  hold -3.4028235e38 (min: 3.4028235e38; surface and layers: 0).
+
+Examples
+  zentra project head.raw --size 181x217x181 --type uint8 --mode max --rotate -90,0,30 -o head.png
+  zentra project head.nhdr --mode surface --window 60:256 --rotate -90,0,30 -o head.png
+  zentra project head.nhdr --mode blend --transparency 0.8 --rotate -90,0,0 --turntable 36 -o turn.png
+)";
+
+} // namespace
+
+std::string ProjectHelp() { return ModeTable() + kConventions; }
+
+} // namespace z3d::tools

@@ -1,0 +1,58 @@
+#include "Report.h"
+
+#include "Console.h"
+#include "Text.h"
+
+namespace z3d::tools {
+
+namespace {
+
+std::string Listed(const std::vector<std::filesystem::path>& files) {
+    std::string list;
+    for (const auto& file : files)
+        list += (list.empty() ? "" : ", ") + Shown(file);
+    return list;
+}
+
+} // namespace
+
+Report::Report(bool quiet, int projections)
+    : quiet_(quiet),
+      progressLine_(!quiet && projections > 1 && ErrorsGoToConsole()),
+      projections_(projections) {}
+
+// A failure message must not start in the middle of the progress line.
+Report::~Report() { ClearLine(); }
+
+void Report::ClearLine() {
+    if (lineLength_ == 0) return;
+    PrintError("\r" + std::string(lineLength_, ' ') + "\r");
+    lineLength_ = 0;
+}
+
+void Report::Done(const Projection& projection, const std::vector<std::filesystem::path>& files) {
+    if (quiet_) return;
+    ++done_;
+    seconds_ += projection.seconds;
+    lastFiles_ = Listed(files);
+    if (done_ == 1) firstFiles_ = lastFiles_;
+    const double milliseconds = projection.seconds * 1000;
+    if (!progressLine_) {
+        PrintError(Format("%dx%d pixels in %.1f ms: %s\n", projection.width, projection.height, milliseconds,
+                          lastFiles_.c_str()));
+        return;
+    }
+    ClearLine();
+    const std::string line = Format("picture %d of %d, %.1f ms", done_, projections_, milliseconds);
+    PrintError(line);
+    lineLength_ = line.size();
+}
+
+void Report::Finish() {
+    if (!progressLine_) return;
+    ClearLine();
+    PrintError(Format("%d pictures, %.1f ms each: %s to %s\n", done_, seconds_ * 1000 / done_,
+                      firstFiles_.c_str(), lastFiles_.c_str()));
+}
+
+} // namespace z3d::tools

@@ -1,0 +1,38 @@
+// What a rendering command says on the error stream: a line per projection, or a progress line for many when
+// someone watches.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "Projection.h"
+
+namespace z3d::tools {
+
+class Report {
+public:
+    Report(bool quiet, int projections);
+    ~Report();
+    Report(const Report&) = delete;
+    Report& operator=(const Report&) = delete;
+
+    void Done(const Projection& projection, const std::vector<std::filesystem::path>& files);
+
+    // After the last projection.
+    void Finish();
+
+private:
+    void ClearLine();
+
+    bool quiet_;
+    bool progressLine_;
+    int projections_;
+    int done_ = 0;
+    double seconds_ = 0;
+    size_t lineLength_ = 0;
+    std::string firstFiles_;
+    std::string lastFiles_;
+};
+
+} // namespace z3d::tools
