@@ -1,0 +1,134 @@
+"""Runs zentra.exe in a folder of its own and reads what it wrote. Programs come from the environment:
+ZENTRA_EXE, HOST_EXE, and RUN_WINE, the wrapper that runs them."""
+import os
+import pathlib
+import signal
+import struct
+import subprocess
+import tempfile
+import time
+import unittest
+import zlib
+
+# Bits of the floats that mark a pixel without a contribution.
+NOTHING = 0xFF7FFFFF
+NOTHING_IN_MIN = 0x7F7FFFFF
+
+# The plainest thing to ask for.
+MAX = ("--mode", "max", "-o", "a.png")
+
+
+class ToolTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def start(self, *arguments, program="ZENTRA_EXE"):
+        return subprocess.Popen([os.environ["RUN_WINE"], os.environ[program], *map(str, arguments)],
+                                cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE)
+
+    def run_tool(self, *arguments, program="ZENTRA_EXE"):
+        """Exit code, standard output and standard error."""
+        process = self.start(*arguments, program=program)
+        out, err = (text.decode("utf-8").replace("\r\n", "\n") for text in process.communicate(timeout=120))
+        return process.returncode, out, err
+
+    def project(self, *arguments):
+        """Projects quietly and expects success without a word."""
+        self.assertEqual(self.run_tool("project", "--quiet", *arguments), (0, "", ""))
+
+    def expect_failure(self, code, sentence, *arguments):
+        """One sentence on the error stream, nothing else, and no file left behind."""
+        before = sorted(self.folder.iterdir())
+        self.assertEqual(self.run_tool(*arguments), (code, "", f"zentra: {sentence}\n"))
+        self.assertEqual(sorted(self.folder.iterdir()), before)
+
+    def refuse_project(self, code, sentence, *arguments):
+        self.expect_failure(code, sentence, "project", *arguments)
+
+    def write(self, name, data):
+        (self.folder / name).write_bytes(bytes(data))
+        return name
+
+    def read(self, name):
+        return (self.folder / name).read_bytes()
+
+    def names(self, pattern):
+        return sorted(path.name for path in self.folder.glob(pattern))
+
+    def grey_volume(self, name="grey.raw"):
+        """4x3x2 voxels: 10 y + x in slice 0; slice 1 is empty but for 100 at x = 1, y = 1."""
+        slice0 = [10 * y + x for y in range(3) for x in range(4)]
+        slice1 = [100 if (x, y) == (1, 1) else 0 for y in range(3) for x in range(4)]
+        self.write(name, slice0 + slice1)
+        return [name, "--size", "4x3x2", "--type", "uint8"]
+
+    def colour_volume(self, name="colour.raw"):
+        """2x2x2 voxels: (200, 10, 10) in slice 0, (10, 200, 10) behind it in slice 1."""
+        self.write(name, [200, 10, 10] * 4 + [10, 200, 10] * 4)
+        return [name, "--size", "2x2x2", "--type", "rgb8"]
+
+    def wait_for(self, name):
+        deadline = time.monotonic() + 60
+        while not (self.folder / name).exists():
+            self.assertLess(time.monotonic(), deadline, f"{name} does not appear")
+            time.sleep(0.02)
+
+    def interrupt(self, process):
+        """Wine passes the signal on as Ctrl+C."""
+        process.send_signal(signal.SIGINT)
+        out, err = process.communicate(timeout=60)
+        return process.returncode, out.decode(), err.decode()
+
+
+def png(data):
+    """Width, height and rows of pixels: a number each when grey, a tuple each in colour."""
+    assert data[:8] == b"\x89PNG\r\n\x1a\n", "not a PNG"
+    packed, at = b"", 8
+    while at < len(data):
+        length, kind = struct.unpack(">I4s", data[at:at + 8])
+        body = data[at + 8:at + 8 + length]
+        assert zlib.crc32(kind + body) == struct.unpack(">I", data[at + 8 + length:at + 12 + length])[0]
+        if kind == b"IHDR":
+            width, height, bits, colour = struct.unpack(">IIBB", body[:10])
+        if kind == b"IDAT":
+            packed += body
+        at += 12 + length
+    assert bits == 8 and colour in (0, 2)
+    channels = 3 if colour == 2 else 1
+    rows = _unfiltered(zlib.decompress(packed), width * channels, height, channels)
+    if channels == 3:
+        rows = [list(zip(row[0::3], row[1::3], row[2::3])) for row in rows]
+    return width, height, rows
+
+
+def _unfiltered(data, row_bytes, height, channels):
+    rows, above = [], [0] * row_bytes
+    for y in range(height):
+        start = y * (row_bytes + 1)
+        kind, row = data[start], list(data[start + 1:start + 1 + row_bytes])
+        for i in range(row_bytes):
+            left = row[i - channels] if i >= channels else 0
+            corner = above[i - channels] if i >= channels else 0
+            row[i] = (row[i] + _predicted(kind, left, above[i], corner)) % 256
+        rows.append(row)
+        above = row
+    return rows
+
+
+def _predicted(kind, left, above, corner):
+    if kind < 4:
+        return (0, left, above, (left + above) // 2)[kind]
+    estimate = left + above - corner
+    return min((left, above, corner), key=lambda value: abs(estimate - value))
+
+
+def bits(*values):
+    """The bits of floats."""
+    return [struct.unpack("<I", struct.pack("<f", value))[0] for value in values]
+
+
+def float_bits(data):
+    return list(struct.unpack(f"<{len(data) // 4}I", data))
