@@ -24,18 +24,19 @@ constexpr Interval kBytes = {0, 255};
 constexpr Interval kUnit = {0, 1};
 constexpr Interval kPositive = {0, kNoBound};
 
+// Colour surfaces show a voxel's share of each channel, which seldom comes near 1: they are stretched.
 constexpr Mode kModes[] = {
-    {"max", 0, Extra::None, 0, kAllGrey, kAllColour, false, kBytes, kBytes,
+    {"max", 0, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "the brightest voxel along the ray"},
-    {"min", 1, Extra::None, 0, kAllGrey, kAllColour, false, kBytes, kBytes,
+    {"min", 1, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "the darkest voxel in the window"},
-    {"sum", 2, Extra::None, 0, kAllGrey, kAllColour, true, kPositive, kPositive,
+    {"sum", 2, Extra::None, 0, kAllGrey, kAllColour, true, true, kPositive, kPositive,
      "the sum of the voxels in the window"},
-    {"surface", 3, Extra::None, 0, kSolidGrey, kSolidColour, false, kUnit, kUnit,
+    {"surface", 3, Extra::None, 0, kSolidGrey, kSolidColour, false, true, kUnit, kUnit,
      "the first surface of the material, shaded"},
-    {"layers", 3, Extra::Attenuation, 0.5f, kSolidGrey, kSolidColour, true, kPositive, kPositive,
+    {"layers", 3, Extra::Attenuation, 0.5f, kSolidGrey, kSolidColour, true, true, kPositive, kPositive,
      "all surfaces of the material, deeper ones fainter"},
-    {"blend", 4, Extra::Transparency, 0.9f, kAllGrey, kAllColour, false, kBytes, kBytes,
+    {"blend", 4, Extra::Transparency, 0.9f, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "translucent, near voxels over far ones"},
     {"contrast",
      5,
@@ -44,10 +45,11 @@ constexpr Mode kModes[] = {
      kNotEmptyGrey,
      kNotEmptyColour,
      true,
+     true,
      {0, 1020},
      {0, 765},
      "the greatest local contrast along the ray"},
-    {"first", 6, Extra::None, 0, kAllGrey, kAllColour, false, kBytes, kBytes,
+    {"first", 6, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "the first voxel in the window"},
 };
 

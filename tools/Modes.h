@@ -19,8 +19,9 @@ struct Mode {
     float defaultExtra;
     Interval greyWindow;   // default window on the voxel, 0..255
     Interval colourWindow; // default window on the channel sum, 0..765
-    bool autoRange;        // shown from the least to the greatest pixel, else over `fullRange`
-    Interval greyFull;     // what a pixel can hold
+    bool greyAuto;         // by default shown from the least to the greatest pixel, else over all that
+    bool colourAuto;       // a pixel can hold:
+    Interval greyFull;
     Interval colourFull;
     const char* summary;
 };

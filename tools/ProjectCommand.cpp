@@ -99,7 +99,8 @@ ProjectionRequest RequestOf(const Options& options, const RawSource& source) {
 
 Interval RangeFor(const RangeChoice& choice, const Mode& mode, bool colour, const Projection& projection) {
     if (choice.kind == RangeKind::Fixed) return choice.fixed;
-    if (choice.kind == RangeKind::Auto || (choice.kind == RangeKind::OfMode && mode.autoRange))
+    const bool autoByDefault = colour ? mode.colourAuto : mode.greyAuto;
+    if (choice.kind == RangeKind::Auto || (choice.kind == RangeKind::OfMode && autoByDefault))
         return ContributionRange(projection);
     Interval full = colour ? mode.colourFull : mode.greyFull;
     if (std::isinf(full.high)) full.high = ContributionRange(projection).high;

@@ -12,8 +12,8 @@ namespace {
 std::string Shown(Interval interval) { return Format("%g:%g", double{interval.low}, double{interval.high}); }
 
 std::string ShownRange(const Mode& mode) {
-    if (mode.autoRange) return "auto";
-    return Shown(mode.greyFull);
+    if (mode.greyAuto) return "auto";
+    return Shown(mode.greyFull) + (mode.colourAuto ? ", rgb auto" : "");
 }
 
 std::string ModeTable() {

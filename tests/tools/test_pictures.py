@@ -78,6 +78,12 @@ class Modes(ToolTest):
     def test_surface_that_faces_the_viewer_is_white(self):
         self.assertEqual(self.step("--mode", "surface"), [[255] * 4] * 4)
 
+    def test_colour_surface_is_stretched(self):
+        # Shares of 1/2, 1/4 and 1/4: the greatest becomes white, the least black.
+        self.write("step.raw", [0] * 96 + [200, 100, 100] * 32)
+        self.project("step.raw", "--size", "4x4x4", "--type", "rgb8", "--mode", "surface", "-o", "a.png")
+        self.assertEqual(png(self.read("a.png"))[2], [[(255, 0, 0)] * 4] * 4)
+
     def test_layers_take_the_attenuation(self):
         # Two walls along the ray, the second of which counts a quarter.
         self.write("walls.raw", [value for value in (0, 200, 200, 0, 0, 200, 200, 0) for voxel in range(16)])
