@@ -1,7 +1,5 @@
 #include "Volume.h"
 
-#include <cstdint>
-
 #include "Failure.h"
 #include "Text.h"
 
@@ -13,7 +11,7 @@ VolumeOwner MakeVolume(const VolumeSize& size, VoxelType type) {
     const auto depth = static_cast<unsigned int>(size.depth);
     VolumeOwner volume(GlobalAlloc3D(width, height, depth, BytesPerVoxel(type)));
     if (volume == nullptr) {
-        const double megabytes = double{BytesPerVoxel(type) / 1048576.0} * width * height * depth;
+        const double megabytes = 1.0 * BytesPerVoxel(type) * width * height * depth / 1048576;
         throw Failure(Format("not enough memory for a volume of %dx%dx%d (%.0f MB)", size.width, size.height,
                              size.depth, megabytes));
     }
