@@ -50,6 +50,11 @@ float* RenderWithKernel(Kernel* kernel, const ProjectionRenderer& renderer,
     if (!image) return nullptr;
     const platform::HeapArray<std::int32_t> rowScratch(RowScratchInts(renderer.outputWidth));
     if (!rowScratch) return nullptr;
+    // Without these two, rendering is slower and the same.
+    const platform::HeapArray<RayRow> rayRows(static_cast<std::size_t>(renderer.outputDepth) + 1);
+    const VoxelGrid grid = {volume.Slices(), renderer.volumeWidth, renderer.volumeHeight,
+                            renderer.volumeDepth};
+    const platform::HeapArray<std::uint8_t> skipMemory(SkipTableBytes(grid));
 
     const ProjectionJob job = {
         GeometryOf(renderer),
@@ -58,7 +63,9 @@ float* RenderWithKernel(Kernel* kernel, const ProjectionRenderer& renderer,
         arguments.low,
         arguments.extra,
         image.Pixels(),
-        rowScratch.Get()};
+        rowScratch.Get(),
+        rayRows.Get(),
+        skipMemory.Get()};
     kernel(job);
     return image.Release();
 }

@@ -24,6 +24,40 @@ struct RayGeometry {
     std::int32_t outputDepth;
 };
 
+// One row of voxels that a whole row of rays samples.
+struct RayRow {
+    std::int32_t y, z;
+    float yAt, zAt; // the unrounded coordinates
+};
+
+// Size of the table of bounds: blocks of 2 voxels a side with one border block all round. Rows have room for the
+// 8 blocks that a stretch can reach to either side, and for one vector too many.
+struct SkipExtent {
+    static constexpr std::int32_t kReach = 9;
+    static constexpr std::size_t kRowPadding = 64;
+
+    std::int32_t blocksX, blocksY, blocksZ;
+    std::size_t stride; // bytes from row to row
+    std::size_t slab;   // bytes from one layer of blocks to the next
+
+    explicit SkipExtent(const VoxelGrid& grid)
+        : blocksX((grid.width + 2) / 2 + 1),
+          blocksY((grid.height + 2) / 2 + 1),
+          blocksZ((grid.depth + 2) / 2 + 1),
+          stride(static_cast<std::size_t>(blocksX) + 2 * kReach + 16),
+          slab(stride * static_cast<std::size_t>(blocksY)) {}
+    std::size_t Bytes() const { return slab * static_cast<std::size_t>(blocksZ); }
+};
+
+// Codes and bounds.
+inline std::size_t SkipTableBytes(const VoxelGrid& grid) {
+    return 2 * SkipExtent(grid).Bytes() + 2 * SkipExtent::kRowPadding;
+}
+
+// What the bounds of skipped stretches are about: large values, small values, or only whether any voxel lies in
+// the window.
+enum class Measure { Presence, Largeness, Smallness };
+
 struct ProjectionJob {
     RayGeometry geometry;
     VoxelGrid grid;
@@ -31,7 +65,9 @@ struct ProjectionJob {
     float low;
     float extra;
     float* pixels;            // outputWidth * outputHeight pixels of three floats, all 0; top row first
-    std::int32_t* rowScratch; // kRowScratchInts(outputWidth) integers
+    std::int32_t* rowScratch; // RowScratchInts(outputWidth) integers
+    RayRow* rayRows;          // outputDepth + 1 rows, or null where memory is short
+    std::uint8_t* skipMemory; // SkipTableBytes(grid) bytes, or null where memory is short
 };
 
 // Ray ranges of the four rows that a row of packets covers, each with room for one vector too many.

@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <tuple>
 
 namespace {
@@ -75,6 +76,28 @@ TEST_P(Differential, VolumesLongOnOneAxis) {
         int* const sides[] = {&size.width, &size.height, &size.depth};
         *sides[seed % 3] = 300;
         ASSERT_NO_FATAL_FAILURE(Compare(RandomVolume(random, size), random, 2));
+    }
+}
+
+// Long enough for many stretches per ray, empty enough for most of them to be passed over.
+TEST_P(Differential, SparseVolumesOfManyBlocks) {
+    for (std::uint32_t seed = 1; seed <= 12; ++seed) {
+        SCOPED_TRACE(::testing::Message() << "seed " << seed);
+        RandomSource random(3000 + seed);
+        VolumeSize size = {random.Between(1, 75), random.Between(1, 75), random.Between(1, 75),
+                           BytesPerVoxel()};
+        reference::Volume volume = EmptyVolume(size);
+        const int brightVoxels = random.Between(1, 40);
+        for (int voxel = 0; voxel < brightVoxels; ++voxel) {
+            // Half of them on a face, an edge or a corner of a block or of the volume.
+            const auto place = [&](int side) {
+                const int index = random.Below(side);
+                return random.Chance(2) ? index : std::min(side - 1, (index + 1) / 16 * 16);
+            };
+            VoxelByte(volume, place(size.width), place(size.height), place(size.depth),
+                      random.Below(BytesPerVoxel())) = static_cast<std::uint8_t>(random.Between(1, 255));
+        }
+        ASSERT_NO_FATAL_FAILURE(Compare(volume, random, 4));
     }
 }
 

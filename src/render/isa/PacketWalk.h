@@ -1,39 +1,23 @@
-// The walk that all modes share: 4 x 4 neighbouring rays at a time, 16 samples at a time. A mode is a rule that
-// derives from RuleDefaults and says how it differs:
-//
-//   Format      Grey or Rgb
-//   Lanes       what sixteen rays carry from sample to sample
-//   Sample      what one sample does to the rays of the mask
-//   Finish      the pixel of one ray that had samples
-//
-// Each lane does what a ray by itself would do, in the same order, so results are the same to the last bit
-// whatever the packet and the instruction set.
+// The walk for every view: 4 x 4 neighbouring rays at a time, 16 samples at a time. Stretches that cannot change
+// any ray of the packet are passed over.
 #pragma once
 
 #include "render/isa/RaySetup.h"
-#include "render/isa/Samples.h"
+#include "render/isa/Rules.h"
+#include "render/isa/SkipTable.h"
 
 namespace z3d::render::Z3D_ISA {
-
-struct RuleDefaults {
-    static constexpr float kInitial = kLowestFloat;    // the pixel before, and without, a contribution
-    static constexpr std::int32_t kSamplesPastEnd = 0; // samples beyond the trimmed range
-    static constexpr bool kBackToFront = false;
-    static constexpr std::int32_t kBorder = 0;    // output pixels at each edge that are left 0
-    static constexpr bool kEndsEarly = false;     // whether Ended says something
-    static constexpr bool kUsesPositions = false; // whether samples know their unrounded positions
-
-    // The smallest voxel index that is sampled on every axis; the largest lies as far from the other end.
-    std::int32_t Margin() const { return 0; }
-    // Samples of a ray that count at most.
-    std::int32_t SampleLimit() const { return INT32_MAX; }
-};
 
 template <class Rule>
 class PacketWalk {
 public:
-    PacketWalk(const ProjectionJob& job, const Rule& rule)
-        : job_(job), geometry_(job.geometry), rule_(rule), walk_(job, Rule::kBackToFront, rule.Margin()) {}
+    // `skips` may be null: then everything is looked at.
+    PacketWalk(const ProjectionJob& job, const Rule& rule, const SkipTable* skips)
+        : job_(job),
+          geometry_(job.geometry),
+          rule_(rule),
+          walk_(job, Rule::kBackToFront, rule.Margin()),
+          skips_(skips) {}
 
     // Rows of packets from the top of the view, where y is largest.
     void Render() {
@@ -47,11 +31,15 @@ public:
                  left += kPacketSide) {
                 RenderPacket(top, left);
             }
+            // Where most stretches have to be looked at anyway, asking first costs more than it saves.
+            if (seen_ >= kTrial && looked_ * 4 > seen_ * 3) skips_ = nullptr;
         }
         LeaveVectorCode();
     }
 
 private:
+    static constexpr std::int64_t kTrial = 256; // stretches after which skipping may be given up
+
     std::int32_t* First(std::int32_t row) const {
         return job_.rowScratch + 2 * row * (geometry_.outputWidth + kRowPadding);
     }
@@ -109,26 +97,43 @@ private:
         PlaceStarts(packet, top, left, positions);
         for (std::int32_t done = 0; done < packet.longest; done += kSamples) {
             const int samples = packet.longest - done < kSamples ? packet.longest - done : kSamples;
+            const Bytes remaining = RemainingOf(packet, done);
+            if (skips_ && !IsWanted(positions, remaining, lanes)) {
+                rule_.PassOver(lanes);
+                walk_.Skip(positions, samples);
+                continue;
+            }
             walk_.template NextStretch<Rule::kUsesPositions>(positions, samples, indexes_);
             Fetch(job_.grid, indexes_, samples, stretch_);
-
-            Bytes remaining;
-            for (int ray = 0; ray < kRays; ++ray) {
-                const std::int32_t left_ = packet.count[ray] - done;
-                remaining[ray] =
-                    static_cast<std::uint8_t>(left_ < 0 ? 0 : (left_ > kSamples ? kSamples : left_));
-            }
             for (int sample = 0; sample < samples; ++sample) {
                 const Bytes isValid =
                     ToBytes(_mm_cmpgt_epi8(Raw(remaining), _mm_set1_epi8(static_cast<char>(sample))));
                 rule_.Sample(Rule::Format::SampleOf(stretch_, indexes_, sample), isValid, lanes);
             }
-            if constexpr (Rule::kEndsEarly) {
-                // A ray goes on while it has samples left after this stretch and has not ended.
-                const Bytes hasMore = AreEqual(remaining, AllBytes(kSamples));
-                if (!AnySet(hasMore & ~rule_.Ended(lanes))) return;
-            }
+            rule_.EndStretch(lanes);
+            // A ray goes on while it has samples left after this stretch and has not ended.
+            const Bytes hasMore = AreEqual(remaining, AllBytes(kSamples));
+            if (!AnySet(hasMore & ~rule_.Ended(lanes))) return;
         }
+    }
+
+    // Samples that each ray still has, up to 16.
+    Z3D_INLINE static Bytes RemainingOf(const Packet& packet, std::int32_t done) {
+        const __m128i taken = _mm_set1_epi32(done);
+        const auto* count = reinterpret_cast<const __m128i*>(packet.count);
+        const __m128i low = _mm_packs_epi32(_mm_sub_epi32(_mm_load_si128(count), taken),
+                                            _mm_sub_epi32(_mm_load_si128(count + 1), taken));
+        const __m128i high = _mm_packs_epi32(_mm_sub_epi32(_mm_load_si128(count + 2), taken),
+                                             _mm_sub_epi32(_mm_load_si128(count + 3), taken));
+        return Smaller(ToBytes(_mm_packus_epi16(low, high)), AllBytes(kSamples));
+    }
+
+    Z3D_INLINE bool IsWanted(const Positions& positions, Bytes remaining, const typename Rule::Lanes& lanes) {
+        const Bytes wanted = rule_.Wants(skips_->BoundsAt(positions), lanes);
+        const bool isWanted = AnySet(wanted & ~AreEqual(remaining, Bytes{}));
+        ++seen_;
+        looked_ += isWanted;
+        return isWanted;
     }
 
     // The sample point at depth index k: (k - hd) T(a,2) + px T(a,0) + py T(a,1) + c(a), rounded once.
@@ -161,30 +166,11 @@ private:
     const RayGeometry& geometry_;
     const Rule rule_;
     const IndexWalk walk_;
+    const SkipTable* skips_;
+    std::int64_t seen_ = 0;
+    std::int64_t looked_ = 0;
     Indexes indexes_;
     typename Rule::Format::Stretch stretch_;
 };
-
-// Nothing can contribute.
-template <class Rule>
-void FillWithInitial(const ProjectionJob& job) {
-    const std::int32_t width = job.geometry.outputWidth;
-    const std::int32_t height = job.geometry.outputHeight;
-    for (std::int32_t row = Rule::kBorder; row < height - Rule::kBorder; ++row) {
-        float* pixels = job.pixels + 3 * static_cast<std::size_t>(row) * static_cast<std::size_t>(width);
-        for (std::int32_t index = 3 * Rule::kBorder; index < 3 * (width - Rule::kBorder); ++index) {
-            pixels[index] = Rule::kInitial;
-        }
-    }
-}
-
-template <class Rule>
-void RenderPackets(const ProjectionJob& job, const Rule& rule) {
-    if (rule.window.IsEmpty()) {
-        FillWithInitial<Rule>(job);
-    } else {
-        PacketWalk<Rule>(job, rule).Render();
-    }
-}
 
 } // namespace z3d::render::Z3D_ISA

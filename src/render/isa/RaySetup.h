@@ -20,14 +20,19 @@ public:
     // For output row j, writes the first depth index and the number of samples of each column. The arrays have
     // room for kDoubleLanes - 1 entries beyond the width.
     void TrimRow(std::int32_t j, std::int32_t* first, std::int32_t* count) const {
-        const double py = j - static_cast<double>(geometry_.halfSize[1]);
+        for (std::int32_t i = 0; i < geometry_.outputWidth; i += kDoubleLanes) {
+            TrimColumns(j, i, first + i, count + i);
+        }
+    }
+
+    // The same for the kDoubleLanes columns from column i on.
+    Z3D_INLINE void TrimColumns(std::int32_t j, std::int32_t i, std::int32_t* first,
+                                std::int32_t* count) const {
         Doubles column;
         for (int lane = 0; lane < kDoubleLanes; ++lane)
             column[lane] = lane;
-        const Doubles px = column - static_cast<double>(geometry_.halfSize[0]);
-        for (std::int32_t i = 0; i < geometry_.outputWidth; i += kDoubleLanes) {
-            TrimRays(px + static_cast<double>(i), py, first + i, count + i);
-        }
+        const double px = i - static_cast<double>(geometry_.halfSize[0]);
+        TrimRays(column + px, j - static_cast<double>(geometry_.halfSize[1]), first, count);
     }
 
 private:

@@ -20,12 +20,12 @@ struct Sums {
 
 // Where the sampled voxels lie, for rules that look at neighbours.
 struct SampleIndexes {
-    const Indexes& indexes;
+    const Indexes* indexes;
     int sample;
-    std::uint32_t Z(int ray) const { return indexes.z[sample][ray]; }
-    std::uint32_t Plane(int ray) const { return indexes.plane[sample][ray]; }
+    std::uint32_t Z(int ray) const { return indexes->z[sample][ray]; }
+    std::uint32_t Plane(int ray) const { return indexes->plane[sample][ray]; }
     // The unrounded position; kept for rules that ask for it only.
-    float Position(int axis, int ray) const { return indexes.position[axis][sample][ray]; }
+    float Position(int axis, int ray) const { return indexes->position[axis][sample][ray]; }
 };
 
 struct GreySample {
@@ -103,7 +103,7 @@ struct Grey {
     using Sample = GreySample;
     using Window = GreyWindow;
     Z3D_INLINE static Sample SampleOf(const Stretch& stretch, const Indexes& indexes, int sample) {
-        return {stretch.value[sample], {indexes, sample}};
+        return {stretch.value[sample], {&indexes, sample}};
     }
     Z3D_INLINE static std::int32_t ValueOf(const std::uint8_t* voxel) { return voxel[0]; }
 };
@@ -115,11 +115,34 @@ struct Rgb {
     using Window = RgbWindow;
     Z3D_INLINE static Sample SampleOf(const Stretch& stretch, const Indexes& indexes, int sample) {
         const Bytes(&channel)[3] = stretch.channel[sample];
-        return {{channel[0], channel[1], channel[2]}, {indexes, sample}};
+        return {{channel[0], channel[1], channel[2]}, {&indexes, sample}};
     }
     Z3D_INLINE static std::int32_t ValueOf(const std::uint8_t* voxel) {
         return voxel[0] + voxel[1] + voxel[2];
     }
 };
+
+// Sixteen voxels side by side, of which `columns` exist; the last one is repeated beyond them.
+template <class Format>
+Z3D_INLINE typename Format::Sample LoadRow(const std::uint8_t* voxels, std::int32_t columns,
+                                           SampleIndexes at);
+
+template <>
+Z3D_INLINE GreySample LoadRow<Grey>(const std::uint8_t* voxels, std::int32_t columns, SampleIndexes at) {
+    if (columns == kRays) return {ToBytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(voxels))), at};
+    Bytes value = AllBytes(voxels[columns - 1]);
+    __builtin_memcpy(&value, voxels, static_cast<std::size_t>(columns));
+    return {value, at};
+}
+
+template <>
+Z3D_INLINE RgbSample LoadRow<Rgb>(const std::uint8_t* voxels, std::int32_t columns, SampleIndexes at) {
+    alignas(16) std::uint32_t words[kRays];
+    for (std::int32_t ray = 0; ray < kRays; ++ray) {
+        const std::uint8_t* voxel = voxels + 3 * (ray < columns ? ray : columns - 1);
+        words[ray] = static_cast<std::uint32_t>(voxel[0] | voxel[1] << 8 | voxel[2] << 16);
+    }
+    return {{PlaneOf(words, 0), PlaneOf(words, 1), PlaneOf(words, 2)}, at};
+}
 
 } // namespace z3d::render::Z3D_ISA

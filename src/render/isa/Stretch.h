@@ -26,19 +26,42 @@ struct alignas(64) Indexes {
 // interval (-2, 65536). The addition rounded in single precision differs.
 constexpr float kUpperPart = 0.51f;
 
+// The indexes that may be sampled on each axis, and the nearest one to a single coordinate.
+struct NearestIndex {
+    std::int32_t first[3];
+    std::int32_t last[3];
+
+    NearestIndex(const ProjectionJob& job, std::int32_t margin) {
+        const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
+        for (int axis = 0; axis < 3; ++axis) {
+            first[axis] = margin;
+            last[axis] = sizes[axis] - 1 - margin;
+            // An axis too short for the margin has no inner voxel: one voxel of the volume stands for all.
+            if (first[axis] > last[axis]) first[axis] = last[axis] = last[axis] < 0 ? 0 : last[axis];
+        }
+    }
+    Z3D_INLINE std::int32_t Clamp(std::int32_t index, int axis) const {
+        return index < first[axis] ? first[axis] : (index > last[axis] ? last[axis] : index);
+    }
+    Z3D_INLINE std::int32_t Index(float coordinate, int axis) const {
+        const auto low = static_cast<float>(first[axis]);
+        const auto high = static_cast<float>(last[axis]);
+        const float inside = coordinate > low ? (coordinate < high ? coordinate : high) : low;
+        const auto whole = static_cast<std::int32_t>(inside);
+        return whole + (inside - static_cast<float>(whole) > kUpperPart ? 1 : 0);
+    }
+};
+
 // Turns positions into voxel indexes, 16 samples per ray, and leaves the positions behind the last sample.
 class IndexWalk {
 public:
     explicit IndexWalk(const ProjectionJob& job, bool backToFront, std::int32_t margin) {
-        const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
+        const NearestIndex nearest(job, margin);
         for (int axis = 0; axis < 3; ++axis) {
             const float step = job.geometry.inverse[3 * axis + 2];
             step_[axis] = backToFront ? -step : step;
-            // An axis too short for the margin has no inner voxel: take its border then.
-            const std::int32_t last = sizes[axis] - 1;
-            first_[axis] = static_cast<float>(margin > last - margin ? Inside(last - margin, last) : margin);
-            last_[axis] =
-                static_cast<float>(margin > last - margin ? Inside(last - margin, last) : last - margin);
+            first_[axis] = static_cast<float>(nearest.first[axis]);
+            last_[axis] = static_cast<float>(nearest.last[axis]);
         }
         width_ = static_cast<std::uint32_t>(job.grid.width);
         // Indexes within a slice are formed in floats as long as they are exact there.
@@ -73,10 +96,6 @@ public:
     }
 
 private:
-    static std::int32_t Inside(std::int32_t index, std::int32_t last) {
-        return index < 0 ? 0 : (index > last ? last : index);
-    }
-
     template <bool kSmallPlane, bool kKeepPositions>
     Z3D_INLINE void Walk(Positions& positions, int samples, Indexes& indexes) const {
         for (int lane = 0; lane < kRays; lane += kFloatLanes) {
@@ -139,6 +158,18 @@ struct RgbStretch {
     Bytes channel[kSamples][3];
 };
 
+// One channel of sixteen voxels, each in the low bytes of a word.
+Z3D_INLINE Bytes PlaneOf(const std::uint32_t (&words)[kRays], int channel) {
+    const auto* quads = reinterpret_cast<const __m128i*>(words);
+    __m128i part[4];
+    for (int quad = 0; quad < 4; ++quad) {
+        part[quad] =
+            _mm_and_si128(_mm_srli_epi32(_mm_load_si128(quads + quad), 8 * channel), _mm_set1_epi32(0xFF));
+    }
+    return reinterpret_cast<Bytes>(
+        _mm_packus_epi16(_mm_packs_epi32(part[0], part[1]), _mm_packs_epi32(part[2], part[3])));
+}
+
 // Voxels are fetched one by one: computed offsets and plain loads beat hardware gathers. Functions of their
 // own, so that their stores are known not to alias the tables.
 [[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
@@ -168,14 +199,8 @@ struct RgbStretch {
                 words[ray] = static_cast<std::uint32_t>(from[0] | from[1] << 8 | from[2] << 16);
             }
         }
-        const auto* quads = reinterpret_cast<const __m128i*>(words);
         for (int channel = 0; channel < 3; ++channel) {
-            __m128i part[4];
-            for (int quad = 0; quad < 4; ++quad) {
-                part[quad] = _mm_and_si128(_mm_srli_epi32(quads[quad], 8 * channel), _mm_set1_epi32(0xFF));
-            }
-            stretch.channel[sample][channel] = reinterpret_cast<Bytes>(
-                _mm_packus_epi16(_mm_packs_epi32(part[0], part[1]), _mm_packs_epi32(part[2], part[3])));
+            stretch.channel[sample][channel] = PlaneOf(words, channel);
         }
     }
 }

@@ -9,7 +9,7 @@
 // - a best score of 0 leaves the initial value
 #include "render/isa/Kernels.h"
 #include "render/isa/NeighbourContrast.h"
-#include "render/isa/PacketWalk.h"
+#include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
@@ -18,6 +18,7 @@ template <class VoxelFormat>
 struct ContrastRule : RuleDefaults {
     using Format = VoxelFormat;
     static constexpr std::int32_t kBorder = 1;
+    static constexpr bool kUsesIndexes = true;
     static constexpr bool kUsesPositions = Format::kBytes == 3;
     struct Lanes {
         std::int32_t best[kRays];
@@ -54,7 +55,7 @@ struct ContrastRule : RuleDefaults {
 
 } // namespace
 
-void ContrastProjectionGrey(const ProjectionJob& job) { RenderPackets(job, ContrastRule<Grey>(job)); }
-void ContrastProjectionRgb(const ProjectionJob& job) { RenderPackets(job, ContrastRule<Rgb>(job)); }
+void ContrastProjectionGrey(const ProjectionJob& job) { RenderWith(job, ContrastRule<Grey>(job)); }
+void ContrastProjectionRgb(const ProjectionJob& job) { RenderWith(job, ContrastRule<Rgb>(job)); }
 
 } // namespace z3d::render::Z3D_ISA

@@ -4,14 +4,13 @@
 // - the first accepted voxel ends the ray
 // - colour tests the window on the channel sum and writes that voxel's own channels
 #include "render/isa/Kernels.h"
-#include "render/isa/PacketWalk.h"
+#include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
 
 struct HitGrey : RuleDefaults {
     using Format = Grey;
-    static constexpr bool kEndsEarly = true;
     struct Lanes {
         Bytes hit;
         Bytes isFound;
@@ -23,7 +22,10 @@ struct HitGrey : RuleDefaults {
         lanes.hit |= sample.value & isFirst;
         lanes.isFound |= isFirst;
     }
-    Bytes Ended(const Lanes& lanes) const { return lanes.isFound; }
+    Z3D_INLINE Bytes Ended(const Lanes& lanes) const { return lanes.isFound; }
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        return ~AreEqual(bound, Bytes{}) & ~lanes.isFound;
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.hit[ray];
     }
@@ -31,7 +33,6 @@ struct HitGrey : RuleDefaults {
 
 struct HitRgb : RuleDefaults {
     using Format = Rgb;
-    static constexpr bool kEndsEarly = true;
     struct Lanes {
         Bytes hit[3];
         Bytes isFound;
@@ -44,7 +45,10 @@ struct HitRgb : RuleDefaults {
             lanes.hit[c] |= sample.channel[c] & isFirst;
         lanes.isFound |= isFirst;
     }
-    Bytes Ended(const Lanes& lanes) const { return lanes.isFound; }
+    Z3D_INLINE Bytes Ended(const Lanes& lanes) const { return lanes.isFound; }
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        return ~AreEqual(bound, Bytes{}) & ~lanes.isFound;
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
@@ -55,11 +59,11 @@ struct HitRgb : RuleDefaults {
 } // namespace
 
 void FirstHitGrey(const ProjectionJob& job) {
-    RenderPackets(job, HitGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
+    RenderWith(job, HitGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
 }
 
 void FirstHitRgb(const ProjectionJob& job) {
-    RenderPackets(job, HitRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
+    RenderWith(job, HitRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
 }
 
 } // namespace z3d::render::Z3D_ISA

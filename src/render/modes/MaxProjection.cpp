@@ -4,7 +4,7 @@
 // - grey takes one sample past the trimmed range: the border voxel again, or the one just beyond the crop box
 // - colour tests the window on the channel sum, but keeps the maximum of each channel by itself
 #include "render/isa/Kernels.h"
-#include "render/isa/PacketWalk.h"
+#include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
@@ -12,6 +12,7 @@ namespace {
 struct MaxGrey : RuleDefaults {
     using Format = Grey;
     static constexpr std::int32_t kSamplesPastEnd = 1;
+    static constexpr Measure kMeasure = Measure::Largeness;
     struct Lanes {
         Bytes largest;
         Bytes isFound;
@@ -23,6 +24,9 @@ struct MaxGrey : RuleDefaults {
         lanes.largest = Larger(lanes.largest, sample.value & accepted);
         lanes.isFound |= accepted;
     }
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        return IsAbove(bound, lanes.largest, lanes.isFound);
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.largest[ray];
     }
@@ -30,6 +34,7 @@ struct MaxGrey : RuleDefaults {
 
 struct MaxRgb : RuleDefaults {
     using Format = Rgb;
+    static constexpr Measure kMeasure = Measure::Largeness; // of any channel
     struct Lanes {
         Bytes largest[3];
         Bytes isFound;
@@ -42,6 +47,10 @@ struct MaxRgb : RuleDefaults {
             lanes.largest[c] = Larger(lanes.largest[c], sample.channel[c] & accepted);
         lanes.isFound |= accepted;
     }
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        const Bytes least = Smaller(Smaller(lanes.largest[0], lanes.largest[1]), lanes.largest[2]);
+        return IsAbove(bound, least, lanes.isFound);
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
@@ -52,11 +61,11 @@ struct MaxRgb : RuleDefaults {
 } // namespace
 
 void MaxProjectionGrey(const ProjectionJob& job) {
-    RenderPackets(job, MaxGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
+    RenderWith(job, MaxGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
 }
 
 void MaxProjectionRgb(const ProjectionJob& job) {
-    RenderPackets(job, MaxRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
+    RenderWith(job, MaxRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
 }
 
 } // namespace z3d::render::Z3D_ISA

@@ -4,7 +4,7 @@
 // - a pixel without a contribution holds the largest float
 // - colour tests the window on the channel sum, but keeps the minimum of each channel by itself
 #include "render/isa/Kernels.h"
-#include "render/isa/PacketWalk.h"
+#include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
@@ -13,6 +13,7 @@ namespace {
 struct MinGrey : RuleDefaults {
     using Format = Grey;
     static constexpr float kInitial = kHighestFloat;
+    static constexpr Measure kMeasure = Measure::Smallness;
     struct Lanes {
         Bytes largestComplement;
         Bytes isFound;
@@ -24,6 +25,9 @@ struct MinGrey : RuleDefaults {
         lanes.largestComplement = Larger(lanes.largestComplement, ~sample.value & accepted);
         lanes.isFound |= accepted;
     }
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        return IsAbove(bound, lanes.largestComplement, lanes.isFound);
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (lanes.isFound[ray]) {
             pixel[0] = pixel[1] = pixel[2] = static_cast<float>(255 - lanes.largestComplement[ray]);
@@ -34,6 +38,7 @@ struct MinGrey : RuleDefaults {
 struct MinRgb : RuleDefaults {
     using Format = Rgb;
     static constexpr float kInitial = kHighestFloat;
+    static constexpr Measure kMeasure = Measure::Smallness; // of any channel
     struct Lanes {
         Bytes largestComplement[3];
         Bytes isFound;
@@ -47,6 +52,11 @@ struct MinRgb : RuleDefaults {
         }
         lanes.isFound |= accepted;
     }
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        const Bytes least = Smaller(Smaller(lanes.largestComplement[0], lanes.largestComplement[1]),
+                                    lanes.largestComplement[2]);
+        return IsAbove(bound, least, lanes.isFound);
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
@@ -57,11 +67,11 @@ struct MinRgb : RuleDefaults {
 } // namespace
 
 void MinProjectionGrey(const ProjectionJob& job) {
-    RenderPackets(job, MinGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
+    RenderWith(job, MinGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
 }
 
 void MinProjectionRgb(const ProjectionJob& job) {
-    RenderPackets(job, MinRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
+    RenderWith(job, MinRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
 }
 
 } // namespace z3d::render::Z3D_ISA

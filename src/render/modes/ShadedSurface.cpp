@@ -8,7 +8,7 @@
 // - volumes of 3 and more slices are sampled one voxel inside their border, so that gradients stay inside
 // - volumes of 1 or 2 slices are not shaded; the grey first surface then looks at the first sample alone
 #include "render/isa/Kernels.h"
-#include "render/isa/PacketWalk.h"
+#include "render/isa/Render.h"
 #include "render/isa/SurfaceShade.h"
 
 namespace z3d::render::Z3D_ISA {
@@ -18,6 +18,7 @@ template <class VoxelFormat>
 struct SurfaceRule : RuleDefaults {
     using Format = VoxelFormat;
     static constexpr float kInitial = 0;
+    static constexpr bool kUsesIndexes = true;
     typename Format::Window window;
     SurfaceShade<Format> shade;
 
@@ -31,7 +32,6 @@ template <class VoxelFormat>
 struct First : SurfaceRule<VoxelFormat> {
     using Base = SurfaceRule<VoxelFormat>;
     using Base::Base;
-    static constexpr bool kEndsEarly = true;
     struct Lanes {
         float pixel[kRays][3];
         Bytes isFound;
@@ -48,7 +48,10 @@ struct First : SurfaceRule<VoxelFormat> {
             this->shade.AddTo(lanes.pixel[ray], sample.at, ray, 1.0f);
         }
     }
-    Bytes Ended(const Lanes& lanes) const { return lanes.isFound; }
+    Z3D_INLINE Bytes Ended(const Lanes& lanes) const { return lanes.isFound; }
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        return ~AreEqual(bound, Bytes{}) & ~lanes.isFound;
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         for (int c = 0; c < 3; ++c)
             pixel[c] = lanes.pixel[ray][c];
@@ -80,6 +83,8 @@ struct Layered : SurfaceRule<VoxelFormat> {
         }
         lanes.hasEntered |= enters;
     }
+    // What was passed over is outside the material.
+    Z3D_INLINE void PassOver(Lanes& lanes) const { lanes.isInside = Bytes{}; }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         for (int c = 0; c < 3; ++c)
             pixel[c] = lanes.pixel[ray][c];
@@ -88,9 +93,9 @@ struct Layered : SurfaceRule<VoxelFormat> {
 
 } // namespace
 
-void FirstSurfaceGrey(const ProjectionJob& job) { RenderPackets(job, First<Grey>(job)); }
-void FirstSurfaceRgb(const ProjectionJob& job) { RenderPackets(job, First<Rgb>(job)); }
-void LayeredSurfaceGrey(const ProjectionJob& job) { RenderPackets(job, Layered<Grey>(job)); }
-void LayeredSurfaceRgb(const ProjectionJob& job) { RenderPackets(job, Layered<Rgb>(job)); }
+void FirstSurfaceGrey(const ProjectionJob& job) { RenderWith(job, First<Grey>(job)); }
+void FirstSurfaceRgb(const ProjectionJob& job) { RenderWith(job, First<Rgb>(job)); }
+void LayeredSurfaceGrey(const ProjectionJob& job) { RenderWith(job, Layered<Grey>(job)); }
+void LayeredSurfaceRgb(const ProjectionJob& job) { RenderWith(job, Layered<Rgb>(job)); }
 
 } // namespace z3d::render::Z3D_ISA

@@ -6,7 +6,7 @@
 // - sums are kept in single precision: beyond 2^24 they lose integer exactness
 #include "render/isa/FloatLanes.h"
 #include "render/isa/Kernels.h"
-#include "render/isa/PacketWalk.h"
+#include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
@@ -53,11 +53,11 @@ struct SumRgb : RuleDefaults {
 } // namespace
 
 void SumProjectionGrey(const ProjectionJob& job) {
-    RenderPackets(job, SumGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
+    RenderWith(job, SumGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
 }
 
 void SumProjectionRgb(const ProjectionJob& job) {
-    RenderPackets(job, SumRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
+    RenderWith(job, SumRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
 }
 
 } // namespace z3d::render::Z3D_ISA

@@ -8,7 +8,7 @@
 // - the first voxel that counts turns the initial value into 0
 #include "render/isa/FloatLanes.h"
 #include "render/isa/Kernels.h"
-#include "render/isa/PacketWalk.h"
+#include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
@@ -97,8 +97,8 @@ struct BlendRgb : BlendRule {
 
 } // namespace
 
-void TranslucentBlendGrey(const ProjectionJob& job) { RenderPackets(job, BlendGrey(job)); }
+void TranslucentBlendGrey(const ProjectionJob& job) { RenderWith(job, BlendGrey(job)); }
 
-void TranslucentBlendRgb(const ProjectionJob& job) { RenderPackets(job, BlendRgb(job)); }
+void TranslucentBlendRgb(const ProjectionJob& job) { RenderWith(job, BlendRgb(job)); }
 
 } // namespace z3d::render::Z3D_ISA

@@ -1,0 +1,59 @@
+// What a mode says about itself: a rule derives from RuleDefaults and states how it differs from the walk.
+//
+//   Format      Grey or Rgb
+//   Lanes       what sixteen rays carry from sample to sample; starts from zeroes
+//   window      the voxel values that can contribute at all
+//   Sample      what one sample does to the rays of the mask
+//   Finish      the pixel of one ray that had samples; it holds kInitial before
+//
+// Each lane does what a ray by itself would do, in the same order, so results are the same to the last bit
+// whatever the packet and the instruction set.
+#pragma once
+
+#include "render/isa/Samples.h"
+
+namespace z3d::render::Z3D_ISA {
+
+struct RuleDefaults {
+    static constexpr float kInitial = kLowestFloat;    // the pixel before, and without, a contribution
+    static constexpr std::int32_t kSamplesPastEnd = 0; // samples beyond the trimmed range
+    static constexpr bool kBackToFront = false;
+    static constexpr std::int32_t kBorder = 0;             // output pixels at each edge that are left 0
+    static constexpr bool kUsesIndexes = false;            // whether samples know where their voxels lie
+    static constexpr bool kUsesPositions = false;          // and their unrounded positions
+    static constexpr Measure kMeasure = Measure::Presence; // what bounds of skipped stretches are about
+
+    // The smallest voxel index that is sampled on every axis; the largest lies as far from the other end.
+    std::int32_t Margin() const { return 0; }
+    // Samples of a ray that count at most.
+    std::int32_t SampleLimit() const { return INT32_MAX; }
+
+    // The rays that a stretch can still change, given its bound per ray (see SkipTable); 0: nothing in the
+    // window there.
+    template <class Lanes>
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes&) const {
+        return ~AreEqual(bound, Bytes{});
+    }
+    // The rays that no further sample can change.
+    template <class Lanes>
+    Z3D_INLINE Bytes Ended(const Lanes&) const {
+        return Bytes{};
+    }
+    // A stretch without a voxel in the window was left out.
+    template <class Lanes>
+    Z3D_INLINE void PassOver(Lanes&) const {}
+    // After every 16 samples, and after the last one.
+    template <class Lanes>
+    Z3D_INLINE void EndStretch(Lanes&) const {}
+};
+
+// For rules that keep a largest value: the rays whose bound is above what they have. Bounds are one more than
+// the value, and 255 stands for both 254 and 255.
+Z3D_INLINE Bytes IsAbove(Bytes bound, Bytes largest, Bytes isFound) {
+    const Bytes largestBound = ToBytes(_mm_adds_epu8(Raw(largest), _mm_set1_epi8(1)));
+    const Bytes safe = Smaller(largestBound, AllBytes(254)) | AreEqual(largest, AllBytes(255));
+    const Bytes reached = safe & isFound;
+    return ~AreEqual(Larger(bound, reached), reached);
+}
+
+} // namespace z3d::render::Z3D_ISA
