@@ -49,7 +49,8 @@ float* RenderWithKernel(Kernel* kernel, const ProjectionRenderer& renderer,
     ProjectionImage image(renderer.outputWidth, renderer.outputHeight);
     if (!image) return nullptr;
     const platform::HeapArray<std::int32_t> rowScratch(RowScratchInts(renderer.outputWidth));
-    if (!rowScratch) return nullptr;
+    const platform::HeapArray<std::uint8_t> stripScratch(StripScratchBytes(renderer.outputWidth));
+    if (!rowScratch || !stripScratch) return nullptr;
     // Without these two, rendering is slower and the same.
     const platform::HeapArray<RayRow> rayRows(static_cast<std::size_t>(renderer.outputDepth) + 1);
     const VoxelGrid grid = {volume.Slices(), renderer.volumeWidth, renderer.volumeHeight,
@@ -64,6 +65,7 @@ float* RenderWithKernel(Kernel* kernel, const ProjectionRenderer& renderer,
         arguments.extra,
         image.Pixels(),
         rowScratch.Get(),
+        stripScratch.Get(),
         rayRows.Get(),
         skipMemory.Get()};
     kernel(job);

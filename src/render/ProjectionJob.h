@@ -37,14 +37,14 @@ struct SkipExtent {
     static constexpr std::size_t kRowPadding = 64;
 
     std::int32_t blocksX, blocksY, blocksZ;
-    std::size_t stride; // bytes from row to row
+    std::size_t stride; // bytes from row to row, whole vectors
     std::size_t slab;   // bytes from one layer of blocks to the next
 
     explicit SkipExtent(const VoxelGrid& grid)
         : blocksX((grid.width + 2) / 2 + 1),
           blocksY((grid.height + 2) / 2 + 1),
           blocksZ((grid.depth + 2) / 2 + 1),
-          stride(static_cast<std::size_t>(blocksX) + 2 * kReach + 16),
+          stride((static_cast<std::size_t>(blocksX) + 2 * kReach + 31) / 16 * 16),
           slab(stride * static_cast<std::size_t>(blocksY)) {}
     std::size_t Bytes() const { return slab * static_cast<std::size_t>(blocksZ); }
 };
@@ -64,15 +64,19 @@ struct ProjectionJob {
     float high;
     float low;
     float extra;
-    float* pixels;            // outputWidth * outputHeight pixels of three floats, all 0; top row first
-    std::int32_t* rowScratch; // RowScratchInts(outputWidth) integers
-    RayRow* rayRows;          // outputDepth + 1 rows, or null where memory is short
-    std::uint8_t* skipMemory; // SkipTableBytes(grid) bytes, or null where memory is short
+    float* pixels;              // outputWidth * outputHeight pixels of three floats, all 0; top row first
+    std::int32_t* rowScratch;   // RowScratchInts(outputWidth) integers
+    std::uint8_t* stripScratch; // StripScratchBytes(outputWidth) bytes
+    RayRow* rayRows;            // outputDepth + 1 rows, or null where memory is short
+    std::uint8_t* skipMemory;   // SkipTableBytes(grid) bytes, or null where memory is short
 };
 
 // Ray ranges of the four rows that a row of packets covers, each with room for one vector too many.
 constexpr std::int32_t kPacketSide = 4;
 constexpr std::int32_t kRowPadding = 16;
+inline std::size_t StripScratchBytes(std::int32_t outputWidth) {
+    return 2 * kPacketSide * static_cast<std::size_t>(outputWidth);
+}
 inline std::size_t RowScratchInts(std::int32_t outputWidth) {
     return 2 * kPacketSide * (static_cast<std::size_t>(outputWidth) + kRowPadding);
 }

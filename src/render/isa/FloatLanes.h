@@ -32,17 +32,39 @@ private:
     }
 };
 
+// Sums of bytes. Sums below 2^24 are exact in single precision, in any order: those of up to 16 samples are kept
+// in 16-bit integers first. Longer rays, whose sums could pass 2^24, add sample by sample.
+constexpr std::int32_t kExactSamples = (1 << 24) / 255;
+
 struct alignas(64) FloatLanes {
     float value[kRays];
 
     // One addition per ray, in single precision; adding 0 changes nothing.
-    Z3D_INLINE void Add(Bytes bytes) {
-        const IntegerLanes integers(bytes);
+    Z3D_INLINE void Add(const IntegerLanes& integers) {
         for (int ray = 0; ray < kRays; ray += kFloatLanes) {
             Ints part;
             __builtin_memcpy(&part, integers.value + ray, sizeof part);
             Store(value + ray, LoadFloats(value + ray) + ToFloats(part));
         }
+    }
+};
+
+struct SumLanes {
+    FloatLanes total;
+    Sums recent;
+
+    Z3D_INLINE void Add(Bytes bytes, bool isExact) {
+        if (isExact) {
+            const __m128i zero = _mm_setzero_si128();
+            recent.low = _mm_add_epi16(recent.low, _mm_unpacklo_epi8(Raw(bytes), zero));
+            recent.high = _mm_add_epi16(recent.high, _mm_unpackhi_epi8(Raw(bytes), zero));
+        } else {
+            total.Add(IntegerLanes(bytes));
+        }
+    }
+    Z3D_INLINE void Settle() {
+        total.Add(IntegerLanes(recent));
+        recent = {_mm_setzero_si128(), _mm_setzero_si128()};
     }
 };
 

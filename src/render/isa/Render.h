@@ -1,6 +1,7 @@
 // How a rule is rendered: by rows, by packets, or not at all.
 #pragma once
 
+#include "render/isa/BestFirstWalk.h"
 #include "render/isa/PacketWalk.h"
 #include "render/isa/RowWalk.h"
 
@@ -19,23 +20,45 @@ void FillWithInitial(const ProjectionJob& job) {
     }
 }
 
+// True when the projection is done: nothing can contribute, or whole rows could be reduced.
 template <class Rule>
-void RenderWith(const ProjectionJob& job, const Rule& rule) {
+bool RenderShortcut(const ProjectionJob& job, const Rule& rule) {
     if (rule.window.IsEmpty()) {
         FillWithInitial<Rule>(job);
-        return;
+        return true;
     }
-    if (rule.Margin() == 0 && job.rayRows != nullptr && HasVolumeColumns(job)) {
-        RowWalk<Rule>(job, rule).Render();
-        return;
-    }
+    if (rule.Margin() != 0 || job.rayRows == nullptr || !HasVolumeColumns(job)) return false;
+    RowWalk<Rule>(job, rule).Render();
+    return true;
+}
+
+template <class Rule>
+SkipTable SkipTableFor(const ProjectionJob& job, const Rule& rule) {
+    return SkipTable::Make<typename Rule::Format>(job, rule.window, Rule::kMeasure, Rule::kBackToFront,
+                                                  rule.Margin());
+}
+
+template <class Rule>
+void RenderWith(const ProjectionJob& job, const Rule& rule) {
+    if (RenderShortcut(job, rule)) return;
     if (!SkipTable::IsUsable(job)) {
-        PacketWalk<Rule>(job, rule, nullptr).Render();
+        PacketWalk<Rule>(job, rule, job.grid, nullptr).Render();
         return;
     }
-    const SkipTable skips = SkipTable::Make<typename Rule::Format>(job, rule.window, Rule::kMeasure,
-                                                                   Rule::kBackToFront, rule.Margin());
-    PacketWalk<Rule>(job, rule, &skips).Render();
+    const SkipTable skips = SkipTableFor(job, rule);
+    PacketWalk<Rule>(job, rule, job.grid, &skips).Render();
+}
+
+// For rules whose samples may be taken in any order.
+template <class Rule>
+void RenderBestFirst(const ProjectionJob& job, const Rule& rule) {
+    if (RenderShortcut(job, rule)) return;
+    std::int32_t nextRow = 0;
+    if (SkipTable::IsUsable(job)) {
+        const SkipTable skips = SkipTableFor(job, rule);
+        if (BestFirstWalk<Rule>(job, rule, skips).Render(nextRow)) return;
+    }
+    PacketWalk<Rule>(job, rule, job.grid, nullptr).Render(nextRow);
 }
 
 } // namespace z3d::render::Z3D_ISA

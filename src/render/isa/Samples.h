@@ -102,6 +102,7 @@ struct Grey {
     using Stretch = GreyStretch;
     using Sample = GreySample;
     using Window = GreyWindow;
+    using Grid = const VoxelGrid&;
     Z3D_INLINE static Sample SampleOf(const Stretch& stretch, const Indexes& indexes, int sample) {
         return {stretch.value[sample], {&indexes, sample}};
     }
@@ -113,6 +114,7 @@ struct Rgb {
     using Stretch = RgbStretch;
     using Sample = RgbSample;
     using Window = RgbWindow;
+    using Grid = const VoxelGrid&;
     Z3D_INLINE static Sample SampleOf(const Stretch& stretch, const Indexes& indexes, int sample) {
         const Bytes(&channel)[3] = stretch.channel[sample];
         return {{channel[0], channel[1], channel[2]}, {&indexes, sample}};

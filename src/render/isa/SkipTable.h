@@ -110,31 +110,30 @@ private:
         const std::int32_t blocksZ = (grid.depth + 1) / 2;
         for (std::int32_t bz = 0; bz < blocksZ; ++bz) {
             for (std::int32_t by = 0; by < blocksY; ++by) {
-                std::uint8_t* to = codes_ + static_cast<std::size_t>(bz + 1) * extent_.slab
-                                   + static_cast<std::size_t>(by + 1) * extent_.stride + 1;
-                const Span z = RowsOf(bz, grid.depth, margin);
-                const Span y = RowsOf(by, grid.height, margin);
-                for (std::int32_t x = 0; x < grid.width; x += kRays) {
-                    const std::int32_t columns = grid.width - x < kRays ? grid.width - x : kRays;
-                    Bytes code = {};
-                    for (std::int32_t vz = z.first; vz <= z.last; ++vz) {
-                        for (std::int32_t vy = y.first; vy <= y.last; ++vy) {
-                            code = Larger(
-                                code, CodeOf(LoadRow<Format>(grid.At<Format::kBytes>(x, vy, vz), columns, {}),
-                                             window, measure));
-                        }
-                    }
-                    // Columns beyond the row repeat its last voxel; a margin joins the last two.
-                    if (margin > 0 && x + columns == grid.width && grid.width > 1) {
-                        JoinLastColumns<Format>(grid, window, measure, columns, y, z, code);
-                    }
-                    const __m128i odd = _mm_srli_epi16(Raw(code), 8);
-                    const __m128i even = _mm_and_si128(Raw(code), _mm_set1_epi16(0xFF));
-                    const __m128i pairs = _mm_max_epi16(odd, even);
-                    _mm_storel_epi64(reinterpret_cast<__m128i*>(to + x / 2), _mm_packus_epi16(pairs, pairs));
+                std::uint8_t* to = Row(codes_, by + 1, bz + 1) + 1;
+                const BlockRows<Format> rows(grid, RowsOf(by, grid.height, margin),
+                                             RowsOf(bz, grid.depth, margin));
+                std::int32_t x = 0;
+                for (; x + kRays <= grid.width; x += kRays) {
+                    StorePairs(to + x / 2, rows.CodeAt(x, kRays, window, measure));
+                }
+                if (x < grid.width) StorePairs(to + x / 2, rows.CodeAt(x, grid.width - x, window, measure));
+                if (margin > 0 && grid.width > 1) {
+                    // The last column stands for the one before it too.
+                    const Bytes before = rows.CodeAt(grid.width - 2, 1, window, measure);
+                    std::uint8_t& last = to[(grid.width - 1) / 2];
+                    last = before[0] > last ? before[0] : last;
                 }
             }
         }
+    }
+
+    // The larger of each two neighbouring columns.
+    Z3D_INLINE static void StorePairs(std::uint8_t* to, Bytes code) {
+        const __m128i odd = _mm_srli_epi16(Raw(code), 8);
+        const __m128i even = _mm_and_si128(Raw(code), _mm_set1_epi16(0xFF));
+        const __m128i pairs = _mm_max_epi16(odd, even);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(pairs, pairs));
     }
 
     struct Span {
@@ -152,20 +151,37 @@ private:
         return span;
     }
 
-    // The code of the last column takes in that of the column before it.
+    // The rows of voxels of one row of blocks: at most three by three, where a margin widens a block.
     template <class Format>
-    static void JoinLastColumns(const VoxelGrid& grid, const typename Format::Window& window, Measure measure,
-                                std::int32_t columns, Span y, Span z, Bytes& code) {
-        std::uint8_t joined = 0;
-        for (std::int32_t vz = z.first; vz <= z.last; ++vz) {
-            for (std::int32_t vy = y.first; vy <= y.last; ++vy) {
-                const std::uint8_t* voxel = grid.At<Format::kBytes>(grid.width - 2, vy, vz);
-                const Bytes before = CodeOf(LoadRow<Format>(voxel, 1, {}), window, measure);
-                joined = before[0] > joined ? before[0] : joined;
+    struct BlockRows {
+        const std::uint8_t* row[9];
+        int count = 0;
+
+        BlockRows(const VoxelGrid& grid, Span y, Span z) {
+            for (std::int32_t vz = z.first; vz <= z.last; ++vz) {
+                for (std::int32_t vy = y.first; vy <= y.last; ++vy) {
+                    row[count++] = grid.At<Format::kBytes>(0, vy, vz);
+                }
             }
         }
-        if (joined > code[columns - 1]) code[columns - 1] = joined;
-    }
+        Z3D_INLINE Bytes CodeAt(std::int32_t x, std::int32_t columns, const typename Format::Window& window,
+                                Measure measure) const {
+            const std::size_t offset = static_cast<std::size_t>(x) * Format::kBytes;
+            Bytes code = CodeOf(LoadRow<Format>(row[0] + offset, columns, {}), window, measure);
+            if (count == 4) {
+                for (int index = 1; index < 4; ++index) {
+                    code = Larger(code,
+                                  CodeOf(LoadRow<Format>(row[index] + offset, columns, {}), window, measure));
+                }
+                return code;
+            }
+            for (int index = 1; index < count; ++index) {
+                code =
+                    Larger(code, CodeOf(LoadRow<Format>(row[index] + offset, columns, {}), window, measure));
+            }
+            return code;
+        }
+    };
 
     // The border blocks around the volume repeat the nearest inner one.
     void RepeatBorders() {
@@ -218,7 +234,7 @@ private:
             for (std::int32_t y = 1; y <= lastY; ++y) {
                 std::uint8_t* row = Row(codes_, y, z) - SkipExtent::kReach;
                 for (std::int32_t pass = 0; pass < reach_[0]; ++pass) {
-                    Merge(row, row + 1, extent_.stride - 1);
+                    Merge(row, row + 1, extent_.stride);
                 }
             }
             for (std::int32_t y = 1; y < lastY; ++y) {
@@ -279,16 +295,13 @@ private:
     void MergeRow(std::uint8_t* row, const std::uint8_t* next) const {
         Merge(row - SkipExtent::kReach, next - SkipExtent::kReach, extent_.stride);
     }
-    // Front to back, so that a row can be merged with itself one byte on.
+    // Whole vectors, as rows are; front to back, so that a row can be merged with itself one byte on.
     static void Merge(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
-        std::size_t at = 0;
-        for (; at + 16 <= bytes; at += 16) {
+        for (std::size_t at = 0; at < bytes; at += 16) {
             const __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i*>(to + at));
             const __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from + at));
             _mm_storeu_si128(reinterpret_cast<__m128i*>(to + at), _mm_max_epu8(a, b));
         }
-        for (; at < bytes; ++at)
-            to[at] = to[at] > from[at] ? to[at] : from[at];
     }
 
     SkipExtent extent_;

@@ -10,6 +10,7 @@
 #include "render/isa/Kernels.h"
 #include "render/isa/NeighbourContrast.h"
 #include "render/isa/Render.h"
+#include "render/isa/ScoreVolume.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
@@ -53,9 +54,39 @@ struct ContrastRule : RuleDefaults {
     }
 };
 
+// Over the scores of all voxels: grey again, where there is memory for them.
+struct LargestScore : RuleDefaults {
+    using Format = Score;
+    static constexpr std::int32_t kBorder = 1;
+    using Lanes = Sums;
+
+    Z3D_INLINE void Sample(const ScoreSample& sample, Bytes isValid, Lanes& best) const {
+        const __m128i low = _mm_unpacklo_epi8(Raw(isValid), Raw(isValid));
+        const __m128i high = _mm_unpackhi_epi8(Raw(isValid), Raw(isValid));
+        best.low = _mm_max_epi16(best.low, _mm_and_si128(sample.value.low, low));
+        best.high = _mm_max_epi16(best.high, _mm_and_si128(sample.value.high, high));
+    }
+    void Finish(const Lanes& best, int ray, float* pixel) const {
+        std::uint16_t scores[kRays];
+        __builtin_memcpy(scores, &best, sizeof scores);
+        if (scores[ray] > 0) pixel[0] = pixel[1] = pixel[2] = scores[ray];
+    }
+};
+
 } // namespace
 
-void ContrastProjectionGrey(const ProjectionJob& job) { RenderWith(job, ContrastRule<Grey>(job)); }
+void ContrastProjectionGrey(const ProjectionJob& job) {
+    const ContrastRule<Grey> rule(job);
+    if (job.grid.depth >= kSmallestScoredDepth && !rule.window.IsEmpty()) {
+        const ScoreVolume scores(job, rule.window);
+        if (scores.IsReady()) {
+            PacketWalk<LargestScore>(job, {}, scores.Slices(), nullptr).Render();
+            return;
+        }
+    }
+    RenderWith(job, rule);
+}
+
 void ContrastProjectionRgb(const ProjectionJob& job) { RenderWith(job, ContrastRule<Rgb>(job)); }
 
 } // namespace z3d::render::Z3D_ISA

@@ -3,33 +3,18 @@
 // Departures from the frame:
 // - grey takes one sample past the trimmed range: the border voxel again, or the one just beyond the crop box
 // - colour tests the window on the channel sum, but keeps the maximum of each channel by itself
+#include "render/isa/Extreme.h"
 #include "render/isa/Kernels.h"
 #include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
 
-struct MaxGrey : RuleDefaults {
-    using Format = Grey;
+struct MaxGrey : ExtremeRule<MaxGrey> {
+    using ExtremeRule::ExtremeRule;
     static constexpr std::int32_t kSamplesPastEnd = 1;
     static constexpr Measure kMeasure = Measure::Largeness;
-    struct Lanes {
-        Bytes largest;
-        Bytes isFound;
-    };
-    GreyWindow window;
-
-    Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
-        const Bytes accepted = window.Accepts(sample) & isValid;
-        lanes.largest = Larger(lanes.largest, sample.value & accepted);
-        lanes.isFound |= accepted;
-    }
-    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
-        return IsAbove(bound, lanes.largest, lanes.isFound);
-    }
-    void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.largest[ray];
-    }
+    Z3D_INLINE static Bytes RankOf(Bytes value) { return value; }
 };
 
 struct MaxRgb : RuleDefaults {
@@ -60,9 +45,7 @@ struct MaxRgb : RuleDefaults {
 
 } // namespace
 
-void MaxProjectionGrey(const ProjectionJob& job) {
-    RenderWith(job, MaxGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
-}
+void MaxProjectionGrey(const ProjectionJob& job) { RenderBestFirst(job, MaxGrey(job)); }
 
 void MaxProjectionRgb(const ProjectionJob& job) {
     RenderWith(job, MaxRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});

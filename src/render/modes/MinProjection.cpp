@@ -3,36 +3,18 @@
 // Departures from the frame:
 // - a pixel without a contribution holds the largest float
 // - colour tests the window on the channel sum, but keeps the minimum of each channel by itself
+#include "render/isa/Extreme.h"
 #include "render/isa/Kernels.h"
 #include "render/isa/Render.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
 
-// Lanes start from 0, so minima are kept as the largest complement.
-struct MinGrey : RuleDefaults {
-    using Format = Grey;
+struct MinGrey : ExtremeRule<MinGrey> {
+    using ExtremeRule::ExtremeRule;
     static constexpr float kInitial = kHighestFloat;
     static constexpr Measure kMeasure = Measure::Smallness;
-    struct Lanes {
-        Bytes largestComplement;
-        Bytes isFound;
-    };
-    GreyWindow window;
-
-    Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
-        const Bytes accepted = window.Accepts(sample) & isValid;
-        lanes.largestComplement = Larger(lanes.largestComplement, ~sample.value & accepted);
-        lanes.isFound |= accepted;
-    }
-    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
-        return IsAbove(bound, lanes.largestComplement, lanes.isFound);
-    }
-    void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        if (lanes.isFound[ray]) {
-            pixel[0] = pixel[1] = pixel[2] = static_cast<float>(255 - lanes.largestComplement[ray]);
-        }
-    }
+    Z3D_INLINE static Bytes RankOf(Bytes value) { return ~value; }
 };
 
 struct MinRgb : RuleDefaults {
@@ -66,9 +48,7 @@ struct MinRgb : RuleDefaults {
 
 } // namespace
 
-void MinProjectionGrey(const ProjectionJob& job) {
-    RenderWith(job, MinGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
-}
+void MinProjectionGrey(const ProjectionJob& job) { RenderBestFirst(job, MinGrey(job)); }
 
 void MinProjectionRgb(const ProjectionJob& job) {
     RenderWith(job, MinRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});

@@ -14,50 +14,60 @@ namespace {
 struct SumGrey : RuleDefaults {
     using Format = Grey;
     struct Lanes {
-        FloatLanes sum;
+        SumLanes sum;
         Bytes isFound;
     };
     GreyWindow window;
+    bool isExact; // no sum can pass 2^24
 
     Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
         const Bytes accepted = window.Accepts(sample) & isValid;
-        lanes.sum.Add(sample.value & accepted);
+        lanes.sum.Add(sample.value & accepted, isExact);
         lanes.isFound |= accepted;
     }
+    Z3D_INLINE void EndStretch(Lanes& lanes) const { lanes.sum.Settle(); }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.sum.value[ray];
+        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.sum.total.value[ray];
     }
 };
 
 struct SumRgb : RuleDefaults {
     using Format = Rgb;
     struct Lanes {
-        FloatLanes sum[3];
+        SumLanes sum[3];
         Bytes isFound;
     };
     RgbWindow window;
+    bool isExact;
 
     Z3D_INLINE void Sample(const RgbSample& sample, Bytes isValid, Lanes& lanes) const {
         const Bytes accepted = window.Accepts(sample) & isValid;
         for (int c = 0; c < 3; ++c)
-            lanes.sum[c].Add(sample.channel[c] & accepted);
+            lanes.sum[c].Add(sample.channel[c] & accepted, isExact);
         lanes.isFound |= accepted;
+    }
+    Z3D_INLINE void EndStretch(Lanes& lanes) const {
+        for (SumLanes& sum : lanes.sum)
+            sum.Settle();
     }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
-            pixel[c] = lanes.sum[c].value[ray];
+            pixel[c] = lanes.sum[c].total.value[ray];
     }
 };
+
+bool HasExactSums(const ProjectionJob& job) { return job.geometry.outputDepth <= kExactSamples; }
 
 } // namespace
 
 void SumProjectionGrey(const ProjectionJob& job) {
-    RenderWith(job, SumGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high))});
+    RenderWith(job,
+               SumGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high)), HasExactSums(job)});
 }
 
 void SumProjectionRgb(const ProjectionJob& job) {
-    RenderWith(job, SumRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
+    RenderWith(job, SumRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high)), HasExactSums(job)});
 }
 
 } // namespace z3d::render::Z3D_ISA
