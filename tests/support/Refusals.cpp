@@ -1,5 +1,6 @@
 #include "support/Refusals.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <limits>
@@ -13,11 +14,13 @@ std::int64_t seen = 0;
 std::int64_t firstRefused = kNever;
 std::int64_t lastRefused = kNever;
 std::array<std::int64_t, 5> outstanding{};
+std::array<std::int64_t, 5> peak{};
 
 void Plan(std::int64_t first, std::int64_t last) {
     seen = 0;
     firstRefused = first;
     lastRefused = last;
+    peak = outstanding;
 }
 
 std::int64_t& CountOf(platform::Resource resource) { return outstanding[static_cast<std::size_t>(resource)]; }
@@ -37,6 +40,8 @@ std::int64_t OutstandingInTotal() {
     return total;
 }
 
+std::int64_t PeakOutstanding(platform::Resource resource) { return peak[static_cast<std::size_t>(resource)]; }
+
 } // namespace z3d::test
 
 namespace z3d::platform {
@@ -46,7 +51,10 @@ bool IsRefused(Resource) {
     return index >= test::firstRefused && index <= test::lastRefused;
 }
 
-void NoteGranted(Resource resource) { ++test::CountOf(resource); }
+void NoteGranted(Resource resource) {
+    const auto kind = static_cast<std::size_t>(resource);
+    test::peak[kind] = std::max(test::peak[kind], ++test::CountOf(resource));
+}
 void NoteReleased(Resource resource) { --test::CountOf(resource); }
 
 } // namespace z3d::platform

@@ -20,6 +20,8 @@ std::int64_t RequestsSeen();
 // What was granted and not yet released.
 std::int64_t Outstanding(platform::Resource resource);
 std::int64_t OutstandingInTotal();
+// The most of a kind that was outstanding at a time since the last of RefuseRequest, RefuseFrom, RefuseNothing.
+std::int64_t PeakOutstanding(platform::Resource resource);
 
 // Calls `work` with no refusal, then once per request that it makes with exactly that request refused, then
 // checks that nothing is left over each time. `work(refused)` does its own expectations.
