@@ -66,6 +66,11 @@ std::int32_t GlobalUnlock3D(Volume3D* volume) {
     return result;
 }
 
+void FreeSlice(Volume3D* volume, std::size_t z) {
+    GlobalFree2D(volume->slices[z]);
+    volume->slices[z] = nullptr;
+}
+
 void GlobalFree3D(Volume3D* volume) {
     if (volume == nullptr) return;
     if (volume->sliceRows != nullptr) GlobalUnlock3D(volume);

@@ -3,6 +3,7 @@
 
 #include "Zentra3DRendering.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace z3d::frame {
@@ -19,6 +20,9 @@ std::uint8_t*** GlobalLock3D(Volume3D* volume);
 
 // 1 when the volume was not locked; else 0 as soon as one slice's pixels lost their last lock.
 std::int32_t GlobalUnlock3D(Volume3D* volume);
+
+// Frees the slice at z, when there is one, and clears its entry: for volumes that are consumed slice by slice.
+void FreeSlice(Volume3D* volume, std::size_t z);
 
 // Unlocks first where needed, frees the slices that are present; null is ignored.
 void GlobalFree3D(Volume3D* volume);

@@ -1,0 +1,36 @@
+// An image's pixels for the time of a scope.
+#pragma once
+
+#include "frame/Image2D.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace z3d::frame {
+
+// Locks the image, and unlocks it in every case. Empty when the image is null or has no pixels, cannot be
+// locked, or claims more bytes than its block holds. Two locks of one image share its pixels and both end with
+// the first scope that ends.
+class LockedImage {
+public:
+    explicit LockedImage(Image2D* image);
+    ~LockedImage() { GlobalUnlock2D(image_); }
+    LockedImage(const LockedImage&) = delete;
+    LockedImage& operator=(const LockedImage&) = delete;
+
+    explicit operator bool() const { return pixels_ != nullptr; }
+
+    // The whole block: rows follow each other without padding.
+    std::uint8_t* Bytes() const { return pixels_; }
+    // The same, of an image of 4 bytes per pixel.
+    float* Floats() const { return reinterpret_cast<float*>(pixels_); }
+
+    std::size_t PixelCount() const { return std::size_t{image_->width} * image_->height; }
+    std::size_t ByteCount() const { return PixelCount() * image_->bytesPerPixel; }
+
+private:
+    Image2D* image_;
+    std::uint8_t* pixels_ = nullptr;
+};
+
+} // namespace z3d::frame
