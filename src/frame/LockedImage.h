@@ -14,7 +14,7 @@ namespace z3d::frame {
 class LockedImage {
 public:
     explicit LockedImage(Image2D* image);
-    ~LockedImage() { GlobalUnlock2D(image_); }
+    ~LockedImage() { frame::GlobalUnlock2D(image_); }
     LockedImage(const LockedImage&) = delete;
     LockedImage& operator=(const LockedImage&) = delete;
 
@@ -26,6 +26,7 @@ public:
     float* Floats() const { return reinterpret_cast<float*>(pixels_); }
 
     std::size_t PixelCount() const { return std::size_t{image_->width} * image_->height; }
+    std::uint32_t BytesPerPixel() const { return image_->bytesPerPixel; }
     std::size_t ByteCount() const { return PixelCount() * image_->bytesPerPixel; }
 
 private:

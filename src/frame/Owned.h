@@ -9,8 +9,8 @@
 namespace z3d::frame {
 
 struct Free {
-    void operator()(Image2D* image) const { GlobalFree2D(image); }
-    void operator()(Volume3D* volume) const { GlobalFree3D(volume); }
+    void operator()(Image2D* image) const { frame::GlobalFree2D(image); }
+    void operator()(Volume3D* volume) const { frame::GlobalFree3D(volume); }
 };
 
 using OwnedImage = std::unique_ptr<Image2D, Free>;

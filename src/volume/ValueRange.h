@@ -1,0 +1,39 @@
+// The smallest and the largest sample of images.
+#pragma once
+
+#include "frame/LockedImage.h"
+
+#include <cfloat>
+#include <cstddef>
+#include <cstdint>
+
+namespace z3d::volume {
+
+// A new range holds the two extremes the wrong way round: any number widens it.
+struct ValueRange {
+    float max = -FLT_MAX;
+    float min = FLT_MAX;
+
+    // `max` is replaced by a greater value, `min` by a smaller one: a NaN changes nothing, and of zeros of
+    // either sign the first stays.
+    void Widen(float value) {
+        if (value > max) max = value;
+        if (value < min) min = value;
+    }
+    void Widen(const ValueRange& other) {
+        if (other.max > max) max = other.max;
+        if (other.min < min) min = other.min;
+    }
+};
+
+// Widens by every sample in order, with the result of calling Widen for each.
+void WidenByBytes(ValueRange& range, const std::uint8_t* samples, std::size_t count);
+void WidenByFloats(ValueRange& range, const float* samples, std::size_t count);
+
+// The same for an image's samples: floats when it has 4 bytes per pixel, else bytes.
+void WidenByPixels(ValueRange& range, const frame::LockedImage& image);
+
+// The same for an unlocked slice; false when it cannot be locked.
+[[nodiscard]] bool WidenBySlice(ValueRange& range, Image2D* slice);
+
+} // namespace z3d::volume
