@@ -206,6 +206,97 @@ float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short 
                                  unsigned short* width, unsigned short* height, int reserved);
 
 /* ------------------------------------------------------------------------------------------------------ */
+/* Volumes from files                                                                                      */
+/* ------------------------------------------------------------------------------------------------------ */
+
+/*
+ * The host's function that GetRGBImage calls with its progress, on the thread that called GetRGBImage.
+ *   user   the value that the host gave to GetRGBImage
+ *   code   101  a phase of work starts; `value` is 0
+ *          102  the phase has come to `value` percent, above 0 and up to 100
+ *          0    the last call: GetRGBImage ends without a result, after a failure and after a cancel; `value`
+ *               is 100. A successful GetRGBImage makes no such call.
+ *          200  a conversion to grey cannot run; `value` is 100. The call with code 0 follows.
+ *   value  0, or the bit pattern of a 32-bit float: copy the 4 bytes into a float. It is not a number to convert.
+ *          100 percent is 0x42C80000.
+ * Returns  200 in the low 16 bits cancels at the codes 101 and 102; every other value goes on. The high 16 bits
+ *          do not count: 65536 + 200 cancels. The result of the codes 0 and 200 is ignored.
+ *
+ * Phases  Every file that is loaded has a phase of 101, then 102 after each slice; where the depth changes, a
+ *         second phase of 101 and 102 after each slice of the result follows. Making the RGB or grey result is
+ *         the last phase: 102 before each slice, without a 101. Each phase counts to 100 percent on its own, so
+ *         100 is not the end of the call.
+ * Rules   It is stdcall like every function here. It and what it needs stay alive until GetRGBImage returns: in
+ *         a managed language keep a reference to the delegate. No exception and no longjmp may leave it. It
+ *         finds the floating-point state of the host, and may change it. It may call this library, except that
+ *         the volumes of the running call are out of its reach.
+ */
+typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned int value);
+
+/*
+ * Loads up to three raw channel files of the same stored size, fits them into a given diagonal, and makes one
+ * volume of them.
+ *   redFile, greenFile, blueFile
+ *                    paths in the system's 8-bit code page; null or empty: no such channel, all its samples count
+ *                    as 0. Files hold `depth` slices of `height` rows of `width` samples, without a header or
+ *                    padding; what they lack at the end is zero, what is beyond is ignored. They are opened for
+ *                    reading while others may read them too.
+ *   width, height, depth
+ *                    the stored size, in samples; 1 to 32767 each
+ *   reserved1..3     ignored
+ *   is8bit           non-zero: samples are unsigned bytes. 0: 32-bit little-endian floats.
+ *   maxDiagonal      the longest allowed diagonal of the result, in voxels. With a longer stored diagonal
+ *                    L = sqrt(width^2 + height^2 + depth^2) every length becomes length * maxDiagonal / L, without
+ *                    its fraction and at least 1: 100 x 100 x 100 and a limit of 100 give 57 x 57 x 57.
+ *   outMax, outMin   receive the display range of the result, upper end first; a null one is skipped.
+ *                    RGB: of the sum of the three channels, 0..765, upper end exclusive up to 252 * 3 + 3;
+ *                    grey of bytes: of the samples; grey of floats: of the samples mapped to 0..255 but not yet
+ *                    rounded, so they may go a little beyond.
+ *   rangeMaxOut, rangeMinOut
+ *                    receive the range of all channels' samples after resampling, upper end first. Filled when
+ *                    both are given; when just one is, it receives the start value of a range, -3.4028235e38 for
+ *                    the maximum and 3.4028235e38 for the minimum. Null: not wanted.
+ *   user, callback   see ProgressCallback; null: no progress and no way to cancel
+ *   keepChannelsApart
+ *                    its low byte counts. 0: a green or blue file with the same name as the red file (same
+ *                    spelling, same case) shares the red channel and is not loaded again. Non-zero: every named
+ *                    file is loaded by itself.
+ *
+ * Returns  a new unlocked volume. When all three names are the red one and channels are not kept apart: one grey
+ *          volume of 1 byte per voxel, 8-bit samples as they are, floats mapped from their range to 0..255.
+ *          Otherwise 3 bytes per voxel, with all channels mapped through their common range: floats from that
+ *          range to 0..255; bytes as 0..255 standing for the range, so a full range leaves them as they are.
+ * Resampling  In plane it starts at column 1 and row 1 of the stored slice, and the last columns and rows of the
+ *          result stay 0. In depth it is linear between slices.
+ * Fails    null, after the callback's code 0. When a file cannot be opened, or when memory is short while it is
+ *          read, the user is told first, in a modal message box ("Cannot open file", "Out of memmory"; see
+ *          SetRenderMsgTitle); there is no other message. Null without a message: a cancel, a stored size below
+ *          1, no file named at all, memory that runs short later. The two display range outputs are then
+ *          unspecified; the other two are start values or a range.
+ * Owner    the host; release with Free3DData or GlobalFree3D.
+ * Threads  any; the message box belongs to the calling thread's active window, and messages of that thread are
+ *          dispatched while it is open.
+ */
+Volume3D* Z3D_CALL GetRGBImage(const char* redFile, const char* greenFile, const char* blueFile, short width,
+                               short height, short depth, int reserved1, int reserved2, int reserved3,
+                               short is8bit, short maxDiagonal, float* outMax, float* outMin,
+                               float* rangeMaxOut, float* rangeMinOut, unsigned int user,
+                               ProgressCallback callback, int keepChannelsApart);
+
+/*
+ * Sets the caption of the library's message boxes. Before the first call it is "Zentra3DRendering".
+ *   title    is copied. Empty: an empty caption. Null: the caption stays as it is. The pointer that an earlier
+ *            call returned may be given.
+ * Returns  the library's copy (with a null title, the present one; null when there is none yet). Read it, never
+ *          change or free it; it is valid until the next call that succeeds, or until the library is unloaded.
+ *          In C# declare the result IntPtr: a string would be freed by the marshaller.
+ * Fails    null when memory is short; the caption then stays as it is.
+ * Owner    the library.
+ * Threads  not while another thread calls this function or may be shown a message.
+ */
+const char* Z3D_CALL SetRenderMsgTitle(const char* title);
+
+/* ------------------------------------------------------------------------------------------------------ */
 /* Rotations                                                                                               */
 /* ------------------------------------------------------------------------------------------------------ */
 

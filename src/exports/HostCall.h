@@ -13,8 +13,26 @@ public:
     LibraryFloatingPoint(const LibraryFloatingPoint&) = delete;
     LibraryFloatingPoint& operator=(const LibraryFloatingPoint&) = delete;
 
+    // What will be put back. Code of the host that runs within the call sees and changes this.
+    platform::FloatingPointState& HostState() { return host_; }
+
 private:
     platform::FloatingPointState host_;
+};
+
+// The other way round, while code of the host runs within a call. What it leaves behind is what the host finds
+// after the call.
+class HostFloatingPoint {
+public:
+    explicit HostFloatingPoint(platform::FloatingPointState& host) : host_(host) {
+        platform::RestoreFloatingPoint(host_);
+    }
+    ~HostFloatingPoint() { platform::EnterLibraryFloatingPoint(host_); }
+    HostFloatingPoint(const HostFloatingPoint&) = delete;
+    HostFloatingPoint& operator=(const HostFloatingPoint&) = delete;
+
+private:
+    platform::FloatingPointState& host_;
 };
 
 // The work of a call is a function of its own: inlined, its conversions could move past the switch of the
