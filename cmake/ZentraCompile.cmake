@@ -13,8 +13,8 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ${UNIX})
 # (no fused multiply-add), no reassociation. Never add -ffast-math or -mfma without -ffp-contract=off.
 add_compile_options(-msse2 -mfpmath=sse -ffp-contract=off)
 
-# Two builds of one commit in two folders are byte-identical.
-add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# Two builds of one commit are byte-identical, wherever the sources and the build folder are.
+add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
 
 if(WIN32)
   add_compile_definitions(WINVER=0x0601 _WIN32_WINNT=0x0601 WIN32_LEAN_AND_MEAN NOMINMAX)
