@@ -36,11 +36,13 @@ std::uint8_t** GlobalLock2D(Image2D* image) {
     std::memset(image->rows, 0, tableBytes);
 
     // On failure the table of null rows stays with the handle: a later lock returns it as it stands.
-    auto* base = static_cast<std::uint8_t*>(platform::BlockLock(image->mem));
-    if (base == nullptr) return nullptr;
+    void* pixels = platform::BlockLock(image->mem);
+    if (pixels == nullptr) return nullptr;
+    // Where the byte count wrapped, rows lie outside the block: computed as numbers, not as pointers into it.
+    const auto base = reinterpret_cast<std::uintptr_t>(pixels);
     const std::size_t rowBytes = std::size_t{image->width} * image->bytesPerPixel;
     for (std::size_t y = 0; y < image->height; ++y)
-        image->rows[y] = base + y * rowBytes;
+        image->rows[y] = reinterpret_cast<std::uint8_t*>(base + y * rowBytes);
     return image->rows;
 }
 
