@@ -7,8 +7,9 @@
  * Rules for every function
  * - Calling convention: stdcall (Z3D_CALL); 4-byte stack alignment is enough. Every argument takes one
  *   32-bit slot (a double takes two). Of a 16-bit argument only the low 16 bits count.
- * - Floating point: the host may run with any control word, precision, rounding or exception mask. The
- *   library switches to its own for the call and puts the host's back exactly. Results do not depend on it.
+ * - Floating point: the host may run with any control word, precision, rounding or exception mask, also with
+ *   numbers on the x87 stack or MMX registers in use. The library switches to a state of its own for the call
+ *   and puts the host's back exactly. Results do not depend on it.
  * - Failure: a null handle, a null pointer or 0. No exception leaves the library, nothing is logged, and
  *   nothing that a failed call took is kept.
  * - Null pointers: a lock gives null, an unlock 0 (image) or 1 (volume), a free does nothing; elsewhere a

@@ -7,13 +7,14 @@ namespace z3d::platform {
 
 // Everything that a caller could notice, bit for bit.
 struct FloatingPointState {
-    std::uint32_t x87[7]; // the FNSTENV image: control word, status word, tags and pointers
+    std::uint32_t x87[27]; // the FNSAVE image: control, status and tag word, pointers, eight registers
     std::uint32_t mxcsr;
 };
 
 // Saves the current state, then sets the library's own: every exception masked, round to nearest, 64-bit
-// x87 mantissa, denormals kept, no flag raised. Hosts run with other precisions, unmasked exceptions or
-// flush-to-zero; the results must not depend on it, and no exception of ours may reach a host's handler.
+// x87 mantissa, denormals kept, no flag raised, no x87 register in use. Hosts run with other precisions,
+// unmasked exceptions, flush-to-zero or MMX registers that nobody emptied (x87 arithmetic would find its stack
+// full and give NaN); the results must not depend on it, and no exception of ours may reach a host's handler.
 void EnterLibraryFloatingPoint(FloatingPointState& saved);
 
 // Puts a saved state back exactly; whatever was raised since is dropped.
