@@ -16,7 +16,7 @@ public:
         : job_(job),
           geometry_(job.geometry),
           rule_(rule),
-          rays_(job, rule),
+          rays_(job, RayShapeOf(rule)),
           walk_(job, Rule::kBackToFront, rule.Margin()),
           skips_(skips) {}
 
@@ -179,7 +179,7 @@ private:
     const ProjectionJob& job_;
     const RayGeometry& geometry_;
     const Rule rule_;
-    const PacketRays<Rule> rays_;
+    const PacketRays rays_;
     const IndexWalk walk_;
     const SkipTable& skips_;
     std::int64_t seen_ = 0;

@@ -24,21 +24,33 @@ Z3D_INLINE Bytes RemainingOf(const Packet& packet, std::int32_t done) {
     return Smaller(ToBytes(_mm_packus_epi16(low, high)), AllBytes(kSamples));
 }
 
+// What a rule says about its rays.
+struct RayShape {
+    bool backToFront;
+    std::int32_t border;
+    std::int32_t samplesPastEnd;
+    std::int32_t sampleLimit;
+};
+
 template <class Rule>
+RayShape RayShapeOf(const Rule& rule) {
+    return {Rule::kBackToFront, Rule::kBorder, Rule::kSamplesPastEnd, rule.SampleLimit()};
+}
+
 class PacketRays {
 public:
-    PacketRays(const ProjectionJob& job, const Rule& rule)
-        : job_(job), geometry_(job.geometry), setup_(job.geometry), sampleLimit_(rule.SampleLimit()) {}
+    PacketRays(const ProjectionJob& job, const RayShape& shape)
+        : job_(job), geometry_(job.geometry), setup_(job.geometry), shape_(shape) {}
 
     // Trims the rays of the four rows from array row `top` on.
-    void TrimRows(std::int32_t top) const {
+    [[gnu::noinline]] void TrimRows(std::int32_t top) const {
         const std::int32_t height = geometry_.outputHeight;
         for (std::int32_t row = 0; row < kPacketSide && top + row < height; ++row) {
             setup_.TrimRow(height - 1 - top - row, First(row), Count(row));
         }
     }
 
-    void Gather(std::int32_t top, std::int32_t left, Packet& packet) const {
+    [[gnu::noinline]] void Gather(std::int32_t top, std::int32_t left, Packet& packet) const {
         packet.longest = 0;
         for (int ray = 0; ray < kRays; ++ray) {
             const std::int32_t row = top + ray / kPacketSide;
@@ -46,8 +58,8 @@ public:
             packet.pixel[ray] = nullptr;
             packet.start[ray] = 0;
             packet.count[ray] = 0;
-            if (row >= geometry_.outputHeight - Rule::kBorder
-                || column >= geometry_.outputWidth - Rule::kBorder) {
+            if (row >= geometry_.outputHeight - shape_.border
+                || column >= geometry_.outputWidth - shape_.border) {
                 continue;
             }
             packet.pixel[ray] =
@@ -58,15 +70,16 @@ public:
             const std::int32_t count = Count(ray / kPacketSide)[column];
             if (count == 0) continue;
             const std::int32_t first = First(ray / kPacketSide)[column];
-            packet.start[ray] = Rule::kBackToFront ? first + count - 1 : first;
-            packet.count[ray] = count + Rule::kSamplesPastEnd;
-            if (packet.count[ray] > sampleLimit_) packet.count[ray] = sampleLimit_;
+            packet.start[ray] = shape_.backToFront ? first + count - 1 : first;
+            packet.count[ray] = count + shape_.samplesPastEnd;
+            if (packet.count[ray] > shape_.sampleLimit) packet.count[ray] = shape_.sampleLimit;
             if (packet.count[ray] > packet.longest) packet.longest = packet.count[ray];
         }
     }
 
     // The sample point at depth index k: (k - hd) T(a,2) + px T(a,0) + py T(a,1) + c(a), rounded once.
-    void PlaceStarts(const Packet& packet, std::int32_t top, std::int32_t left, Positions& positions) const {
+    [[gnu::noinline]] void PlaceStarts(const Packet& packet, std::int32_t top, std::int32_t left,
+                                       Positions& positions) const {
         alignas(64) double px[kRays];
         alignas(64) double py[kRays];
         for (int ray = 0; ray < kRays; ++ray) {
@@ -100,7 +113,7 @@ private:
     const ProjectionJob& job_;
     const RayGeometry& geometry_;
     const RaySetup setup_;
-    const std::int32_t sampleLimit_;
+    const RayShape shape_;
 };
 
 } // namespace z3d::render::Z3D_ISA

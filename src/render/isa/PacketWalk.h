@@ -16,7 +16,7 @@ public:
         : grid_(grid),
           geometry_(job.geometry),
           rule_(rule),
-          rays_(job, rule),
+          rays_(job, RayShapeOf(rule)),
           walk_(job, Rule::kBackToFront, rule.Margin()),
           skips_(skips) {}
 
@@ -87,7 +87,7 @@ private:
     const typename Rule::Format::Grid grid_;
     const RayGeometry& geometry_;
     const Rule rule_;
-    const PacketRays<Rule> rays_;
+    const PacketRays rays_;
     const IndexWalk walk_;
     const SkipTable* skips_;
     std::int64_t seen_ = 0;

@@ -26,8 +26,8 @@ public:
     }
 
     // The same for the kDoubleLanes columns from column i on.
-    Z3D_INLINE void TrimColumns(std::int32_t j, std::int32_t i, std::int32_t* first,
-                                std::int32_t* count) const {
+    [[gnu::noinline]] void TrimColumns(std::int32_t j, std::int32_t i, std::int32_t* first,
+                                       std::int32_t* count) const {
         Doubles column;
         for (int lane = 0; lane < kDoubleLanes; ++lane)
             column[lane] = lane;

@@ -26,8 +26,8 @@ public:
 
     // The job must have memory for it.
     template <class Format>
-    static SkipTable Make(const ProjectionJob& job, const typename Format::Window& window, Measure measure,
-                          bool backToFront, std::int32_t margin) {
+    [[gnu::noinline]] static SkipTable Make(const ProjectionJob& job, const typename Format::Window& window,
+                                            Measure measure, bool backToFront, std::int32_t margin) {
         SkipTable table(job, backToFront);
         table.CodeBlocks<Format>(job.grid, window, measure, margin);
         table.RepeatBorders();
@@ -39,7 +39,7 @@ public:
 
     // The bounds of sixteen stretches by the positions of their first samples. 255 where a position lies too
     // far outside the volume for the argument above.
-    Z3D_INLINE Bytes BoundsAt(const Positions& positions) const {
+    [[gnu::noinline]] Bytes BoundsAt(const Positions& positions) const {
         alignas(64) std::uint32_t slab[kRays];
         alignas(64) std::uint32_t cell[kRays];
         alignas(64) std::int32_t isFar[kRays];
@@ -184,7 +184,7 @@ private:
     };
 
     // The border blocks around the volume repeat the nearest inner one.
-    void RepeatBorders() {
+    [[gnu::noinline]] void RepeatBorders() {
         const std::int32_t lastX = (size_[0] + 1) / 2;
         const std::int32_t lastY = (size_[1] + 1) / 2;
         const std::int32_t lastZ = (size_[2] + 1) / 2;
@@ -203,7 +203,7 @@ private:
     }
 
     // Block offsets of the sixteen samples from the block of the first one, without repetition.
-    void FindOffsets() {
+    [[gnu::noinline]] void FindOffsets() {
         const double largest = size_[0] > size_[1] ? (size_[0] > size_[2] ? size_[0] : size_[2])
                                                    : (size_[1] > size_[2] ? size_[1] : size_[2]);
         // Fifteen roundings of at most half a unit in the last place of twice the largest coordinate.
@@ -227,7 +227,7 @@ private:
     }
 
     // Each code becomes the largest of its own and the following ones within reach on each axis.
-    void Dilate() {
+    [[gnu::noinline]] void Dilate() {
         const std::int32_t lastY = (size_[1] + 1) / 2;
         const std::int32_t lastZ = (size_[2] + 1) / 2;
         for (std::int32_t z = 1; z <= lastZ; ++z) {

@@ -78,7 +78,7 @@ public:
     }
 
     // Moves on by some samples without looking.
-    Z3D_INLINE void Skip(Positions& positions, int samples) const {
+    [[gnu::noinline]] void Skip(Positions& positions, int samples) const {
         for (int axis = 0; axis < 3; ++axis) {
             const Floats step = AllFloats(step_[axis]);
             Floats at[kRays / kFloatLanes];
@@ -97,7 +97,7 @@ public:
 
 private:
     template <bool kSmallPlane, bool kKeepPositions>
-    Z3D_INLINE void Walk(Positions& positions, int samples, Indexes& indexes) const {
+    [[gnu::noinline]] void Walk(Positions& positions, int samples, Indexes& indexes) const {
         for (int lane = 0; lane < kRays; lane += kFloatLanes) {
             Floats x = LoadFloats(positions.axis[0] + lane);
             Floats y = LoadFloats(positions.axis[1] + lane);
