@@ -315,6 +315,152 @@ const char* Z3D_CALL SetRenderMsgTitle(const char* title);
 void Z3D_CALL CreateRotateMatrix(double* matrix, const AxisOrder* order, float angleX, float angleY,
                                  float angleZ);
 
+/*
+ * Two angles from the last column of a rotation matrix in the order X, Y, Z, and the matrix
+ * R(X) * R(Y) * R(Z) of these two, as stored, and of a Z angle of the caller's.
+ *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
+ *                  come from.
+ *   m02, m12, m22  the elements in rows 0, 1 and 2 of column 2: doubles by value, two slots each
+ *   angleX         receives degrees, above -180 to 180: a half turn is 180, never -180
+ *   angleY         receives degrees, -90 to 90. A positive one turns Z towards -X: m02 is minus its sine.
+ *   angleZ         degrees, any; only the matrix depends on it
+ * An angle nearer to zero than 0.001 degrees is exactly 0. Where X and Z turn about the same axis, |m02|
+ * within 0.00001 of 1 (a quarter of a degree from the pole), Y is exactly 90 or -90 and X is 0. Elements of
+ * no rotation, such as |m02| above 1.00001, can make angles and matrix NaN.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL GetAngleXY(double* matrix, double m02, double m12, double m22, float* angleX, float* angleY,
+                         float angleZ);
+
+/*
+ * Two angles from the middle column of a rotation matrix in the order Z, X, Y, and the matrix
+ * R(Z) * R(X) * R(Y) of these two, as stored, and of a Y angle of the caller's.
+ *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
+ *                  come from.
+ *   m01, m11, m21  the elements in rows 0, 1 and 2 of column 1: doubles by value, two slots each
+ *   angleX         receives degrees, -90 to 90; m21 is its sine
+ *   angleZ         receives degrees, above -180 to 180: a half turn is 180, never -180
+ *   angleY         degrees, any; only the matrix depends on it. A positive one turns Z towards -X.
+ * An angle nearer to zero than 0.001 degrees is exactly 0. Where Z and Y turn about the same axis, |m21|
+ * within 0.00001 of 1 (a quarter of a degree from the pole), X is exactly 90 or -90 and Z is 0. Elements of
+ * no rotation, such as |m21| above 1.00001, can make angles and matrix NaN.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL GetAngleZX(double* matrix, double m01, double m11, double m21, float* angleX, float* angleZ,
+                         float angleY);
+
+/*
+ * Two angles from the first column of a rotation matrix in the order Y, Z, X, and the matrix
+ * R(Y) * R(Z) * R(X) of these two, as stored, and of an X angle of the caller's.
+ *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
+ *                  come from.
+ *   m00, m10, m20  the elements in rows 0, 1 and 2 of column 0: doubles by value, two slots each
+ *   angleY         receives degrees, above -180 to 180: a half turn is 180, never -180. A positive one turns
+ *                  Z towards -X.
+ *   angleZ         receives degrees, -90 to 90; m10 is its sine
+ *   angleX         degrees, any; only the matrix depends on it
+ * An angle nearer to zero than 0.001 degrees is exactly 0. Where Y and X turn about the same axis, |m10|
+ * within 0.00001 of 1 (a quarter of a degree from the pole), Z is exactly 90 or -90 and Y is 0. Elements of
+ * no rotation, such as |m10| above 1.00001, can make angles and matrix NaN.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL GetAngleYZ(double* matrix, double m00, double m10, double m20, float* angleY, float* angleZ,
+                         float angleX);
+
+/*
+ * The three angles of a rotation matrix in the order X, Y, Z: the matrix is R(X) * R(Y) * R(Z).
+ *   matrix  9 doubles, row by row; acts on columns
+ *   angleX  receives degrees, above -180 to 180
+ *   angleY  receives degrees, -90 to 90. A positive one turns Z towards -X.
+ *   angleZ  receives degrees, above -180 to 180
+ * A half turn is 180, never -180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter
+ * of a degree of Y = 90 or Y = -90 (element 2 within 0.00001 of -1 or 1), where X and Z turn about the same
+ * axis, Y is exactly 90 or -90, X is 0 and Z holds the whole turn. A matrix that is no rotation can give NaN.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL GetAngleXYZ(const double* matrix, float* angleX, float* angleY, float* angleZ);
+
+/*
+ * The three angles of a rotation matrix in the order Z, X, Y: the matrix is R(Z) * R(X) * R(Y).
+ *   matrix  9 doubles, row by row; acts on columns
+ *   angleX  receives degrees, -90 to 90
+ *   angleY  receives degrees, above -180 to 180. A positive one turns Z towards -X.
+ *   angleZ  receives degrees, above -180 to 180
+ * A half turn is 180, never -180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter
+ * of a degree of X = 90 or X = -90 (element 7 within 0.00001 of 1 or -1), where Z and Y turn about the same
+ * axis, X is exactly 90 or -90, Z is 0 and Y holds the whole turn. A matrix that is no rotation can give NaN.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL GetAngleZXY(const double* matrix, float* angleX, float* angleY, float* angleZ);
+
+/*
+ * The three angles of a rotation matrix in the order Y, Z, X: the matrix is R(Y) * R(Z) * R(X).
+ *   matrix  9 doubles, row by row; acts on columns
+ *   angleX  receives degrees, above -180 to 180
+ *   angleY  receives degrees, above -180 to 180. A positive one turns Z towards -X.
+ *   angleZ  receives degrees, -90 to 90
+ * A half turn is 180, never -180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter
+ * of a degree of Z = 90 or Z = -90 (element 3 within 0.00001 of 1 or -1), where Y and X turn about the same
+ * axis, Z is exactly 90 or -90, Y is 0 and X holds the whole turn. A matrix that is no rotation can give NaN.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL GetAngleYZX(const double* matrix, float* angleX, float* angleY, float* angleZ);
+
+/*
+ * Replaces the angles of a rotation in one axis order by the angles of the same rotation in another.
+ *   fromOrder  order of the given angles: three axis indexes, 0 = X, 1 = Y, 2 = Z, leftmost factor first; any
+ *              that CreateRotateMatrix takes
+ *   toOrder    order wanted. Only its last entry counts: 2 stands for X, Y, Z; 1 for Z, X, Y; 0 for Y, Z, X.
+ *   angleX, angleY, angleZ
+ *              degrees; read and replaced. A positive Y angle turns Z towards -X.
+ * Both orders ending in the same axis, or an entry outside 0..2 as the last of toOrder, leave the angles as
+ * they are: from 0, 1, 2 to 1, 0, 2 nothing is converted.
+ * New angles lie above -180 and up to 180 (a half turn is 180, never -180) and are exactly 0 when nearer to
+ * zero than 0.001 degrees. Within a quarter of a degree of 90 or -90 the new order's middle angle is exactly
+ * that, its first angle 0, and its last angle holds the whole remaining turn. Angles that are not finite give
+ * NaN.
+ * Fails    a null pointer: nothing is written.
+ * Threads  any.
+ */
+void Z3D_CALL ChangeOrder(const AxisOrder* fromOrder, const AxisOrder* toOrder, float* angleX, float* angleY,
+                          float* angleZ);
+
+/* ------------------------------------------------------------------------------------------------------ */
+/* Scalars                                                                                                 */
+/* ------------------------------------------------------------------------------------------------------ */
+
+/*
+ * Looks a grey level up in a gamma or contrast curve.
+ *   table  256 bytes, one per whole grey level
+ *   level  grey level with a fraction. Below 0 or NaN it counts as 0, above 255 as 255.
+ * Returns  0..255, in all 32 bits: the entry of a whole level, or else the linear interpolation of the two
+ *          neighbouring entries without its fraction (0.9 gives 0).
+ * Fails    0 when the table is null.
+ * Threads  any.
+ */
+int Z3D_CALL AdjustGamma(const unsigned char* table, float level);
+
+/*
+ * Converts a coordinate or an extent from one scale to another: value * newScale / oldScale.
+ *   value     in the old scale
+ *   newScale  length of the whole in the new scale; the largest result
+ *   oldScale  length of the whole in the old scale
+ *   roundUp   above 0 rounds up, else down; its low 16 bits count, signed
+ * Returns  16 bits, signed: 1..newScale when newScale is 1 or more. First only the low 16 bits of the rounded
+ *          number are kept, signed, so that 65546 counts as 10 and 40000 as -25536; then a number below 1
+ *          becomes 1, and only then one above newScale becomes the low 16 bits of newScale. Nothing but a
+ *          newScale below 1 brings the result below 1.
+ * Fails    1 when oldScale is 0.
+ * Threads  any.
+ */
+short Z3D_CALL SubvolumeConvert(int value, int newScale, int oldScale, short roundUp);
+
 #endif /* Z3D_RECORDS_ONLY */
 
 #ifdef __cplusplus
