@@ -19,6 +19,7 @@ namespace z3d::test {
 struct RendererUnderTest {
     const char* name;
     reference::Projection (*render)(const reference::Volume&, const reference::Request&);
+    bool runsHere = true; // false where the processor lacks what it needs
 };
 
 inline std::ostream& operator<<(std::ostream& out, const RendererUnderTest& renderer) {
@@ -27,6 +28,10 @@ inline std::ostream& operator<<(std::ostream& out, const RendererUnderTest& rend
 
 class RenderExamples : public ::testing::TestWithParam<RendererUnderTest> {
 protected:
+    void SetUp() override {
+        if (!GetParam().runsHere) GTEST_SKIP() << "this processor lacks the instruction set";
+    }
+
     reference::Projection Render(const reference::Volume& volume, const reference::Request& request) const {
         return GetParam().render(volume, request);
     }
