@@ -4,6 +4,7 @@
 #include "geometry/Bits.h"
 #include "geometry/RotationMatrix.h"
 #include "reference/PlainRotation.h"
+#include "support/Digest.h"
 
 #include <gtest/gtest.h>
 

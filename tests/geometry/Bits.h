@@ -1,4 +1,4 @@
-// Bit patterns of floating-point values: comparison, and one number for many of them.
+// Bit patterns of floating-point values and their comparison.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -42,20 +42,5 @@ template <class Float>
 ::testing::AssertionResult SameBits(Float got, Float want) {
     return SameBits(&got, &want, 1);
 }
-
-// FNV-1a over bit patterns: a literal digest pins the results of a long series in every build at once.
-class Digest {
-public:
-    template <class Float>
-    void Add(Float value) {
-        for (std::size_t i = 0; i < sizeof(Float); ++i) {
-            state = (state ^ ((BitsOf(value) >> (8 * i)) & 0xFF)) * 0x100000001B3;
-        }
-    }
-    std::uint64_t Value() const { return state; }
-
-private:
-    std::uint64_t state = 0xCBF29CE484222325;
-};
 
 } // namespace z3d::test

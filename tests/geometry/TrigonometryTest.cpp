@@ -2,6 +2,7 @@
 
 #include "geometry/Bits.h"
 #include "reference/WideTrigonometry.h"
+#include "support/Digest.h"
 
 #include <gtest/gtest.h>
 

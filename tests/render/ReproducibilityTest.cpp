@@ -1,33 +1,12 @@
 // The generators and the reference give the same bits on every platform and in every build: each figure below
 // was measured once and has to come out everywhere. A change of a generator changes the figures too.
 #include "render/RenderExamples.h"
-
-#include <bit>
+#include "support/Digest.h"
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::test;
-
-// FNV-1a, 64 bits.
-class Digest {
-public:
-    void AddByte(std::uint8_t byte) { value_ = (value_ ^ byte) * 0x100000001B3u; }
-
-    void Add(std::uint32_t bits) {
-        for (int shift = 0; shift < 32; shift += 8) {
-            AddByte(static_cast<std::uint8_t>(bits >> shift));
-        }
-    }
-
-    // All NaNs alike: which of its operands an operation takes a NaN from is the compiler's choice.
-    void Add(float value) { Add(value == value ? std::bit_cast<std::uint32_t>(value) : 0x7FC00000u); }
-
-    std::uint64_t Value() const { return value_; }
-
-private:
-    std::uint64_t value_ = 0xCBF29CE484222325u;
-};
 
 void AddRequest(Digest& digest, const reference::Request& request) {
     for (const float element : request.rotation) {
@@ -77,7 +56,7 @@ TEST(Reproducibility, VolumesHaveTheSameBytesEverywhere) {
     for (int i = 0; i < 100; ++i) {
         const VolumeSize size = RandomSize(random, 12, 1 + i % 4);
         for (const std::uint8_t byte : RandomVolume(random, size).voxels) {
-            digest.AddByte(byte);
+            digest.Add(byte);
         }
     }
 

@@ -1,0 +1,177 @@
+// Pictures that stay as they are: requests written out bit by bit, with the digest of what they show. They
+// hold the plain form to its own past, and every instruction set in every build to the same figures.
+//
+// To add a row, append it to GoldenRows.inc with a size and a digest of 0 and let the plain form write the
+// file anew, from the root of the repository:
+//     ZENTRA_GOLDEN_ROWS=tests/render/GoldenRows.inc build/native/bin/test_render
+//         --gtest_also_run_disabled_tests --gtest_filter=GoldenRows.DISABLED_AreWrittenAnew
+// A row that changes without a change of the rules is an error.
+#include "reference/ReferenceRenderer.h"
+#include "render/InstructionSet.h"
+#include "support/Digest.h"
+#include "support/ProceduralVolumes.h"
+#include "support/ProductRenderer.h"
+#include "support/RandomRequests.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstdio>
+#include <cstdlib>
+#include <map>
+#include <span>
+#include <string>
+#include <tuple>
+
+namespace {
+
+using namespace z3d;
+using namespace z3d::test;
+
+enum class VolumeKind { Noise, Sparse, Blob, Ramp, Step, Checkerboard };
+
+struct GoldenRow {
+    std::int16_t mode;
+    VolumeKind kind;
+    VolumeSize size;
+    // The seed of the first three kinds, a ramp's axis, 256 times a step's border plus its inside, or the side
+    // of a checkerboard's cells.
+    std::uint32_t detail;
+    // Floats as their bits.
+    std::array<std::uint32_t, 9> rotation;
+    Crop crop;
+    std::uint32_t high, low, extra;
+    // The size as the host receives it.
+    int width, height;
+    std::uint64_t digest;
+};
+
+std::span<const GoldenRow> AllRows() {
+    using enum VolumeKind;
+    static constexpr GoldenRow kRows[] = {
+#include "render/GoldenRows.inc"
+    };
+    return kRows;
+}
+
+reference::Volume VolumeOf(const GoldenRow& row) {
+    switch (row.kind) {
+    case VolumeKind::Noise:
+        return NoiseVolume(row.size, row.detail);
+    case VolumeKind::Sparse:
+        return SparseVolume(row.size, row.detail);
+    case VolumeKind::Blob:
+        return BlobVolume(row.size, row.detail);
+    case VolumeKind::Ramp:
+        return RampVolume(row.size, static_cast<int>(row.detail));
+    case VolumeKind::Step:
+        return StepVolume(row.size, static_cast<std::uint8_t>(row.detail >> 8),
+                          static_cast<std::uint8_t>(row.detail));
+    case VolumeKind::Checkerboard:
+        return CheckerboardVolume(row.size, static_cast<int>(row.detail));
+    }
+    return {};
+}
+
+reference::Request RequestOf(const GoldenRow& row) {
+    return {std::bit_cast<std::array<float, 9>>(row.rotation),
+            row.mode,
+            row.crop.x0,
+            row.crop.x1,
+            row.crop.y0,
+            row.crop.y1,
+            row.crop.z0,
+            row.crop.z1,
+            std::bit_cast<float>(row.high),
+            std::bit_cast<float>(row.low),
+            row.extra};
+}
+
+std::uint64_t DigestOf(const reference::Projection& projection) {
+    Digest digest;
+    for (const float value : projection.pixels) {
+        digest.Add(value);
+    }
+    return digest.Value();
+}
+
+// Line for line; `row` counts from 1, as editors do.
+void ExpectTheRows(reference::Projection (*render)(const reference::Volume&, const reference::Request&)) {
+    int number = 0;
+    for (const GoldenRow& row : AllRows()) {
+        const reference::Request request = RequestOf(row);
+        const reference::Projection projection = render(VolumeOf(row), request);
+        ++number;
+        EXPECT_TRUE(projection.rendered && projection.width == row.width && projection.height == row.height
+                    && DigestOf(projection) == row.digest)
+            << "row " << number << ", " << Describe(request);
+    }
+}
+
+TEST(GoldenRows, AreWhatThePlainFormShows) { ExpectTheRows(&reference::Render); }
+
+class GoldenRowsOn : public ::testing::TestWithParam<render::InstructionSet> {
+protected:
+    void SetUp() override {
+        if (GetParam() > render::BestInstructionSet()) {
+            GTEST_SKIP() << "this processor lacks the instruction set";
+        }
+        render::ForceInstructionSet(GetParam());
+    }
+    void TearDown() override { render::ForceInstructionSet(render::BestInstructionSet()); }
+};
+
+TEST_P(GoldenRowsOn, AreWhatTheProductShows) { ExpectTheRows(&RenderProduct); }
+
+INSTANTIATE_TEST_SUITE_P(AllInstructionSets, GoldenRowsOn, ::testing::ValuesIn(render::kInstructionSets));
+
+// Sixteen kernels: seven modes and the layered surface, grey and in colour.
+TEST(GoldenRows, ReachEveryKernel) {
+    std::map<std::tuple<int, bool, bool>, int> rows;
+    for (const GoldenRow& row : AllRows()) {
+        const float extra = std::bit_cast<float>(row.extra);
+        const bool isLayered = row.mode == 3 && (extra < 0 || extra > 0);
+        ++rows[{row.mode, isLayered, row.size.bytesPerVoxel == 3}];
+    }
+
+    EXPECT_EQ(rows.size(), 16u);
+    for (const auto& [kernel, count] : rows) {
+        EXPECT_GE(count, 4) << "mode " << std::get<0>(kernel);
+    }
+}
+
+std::string Text(const GoldenRow& row, const reference::Projection& projection) {
+    static constexpr const char* kKinds[] = {"Noise", "Sparse", "Blob", "Ramp", "Step", "Checkerboard"};
+    char text[400];
+    const auto& r = row.rotation;
+    const auto u = [](std::uint32_t bits) { return static_cast<unsigned int>(bits); };
+    std::snprintf(text, sizeof text,
+                  "{%d, %s, {%d, %d, %d, %d}, %u,"
+                  " {0x%08X, 0x%08X, 0x%08X, 0x%08X, 0x%08X, 0x%08X, 0x%08X, 0x%08X, 0x%08X},"
+                  " {%d, %d, %d, %d, %d, %d}, 0x%08X, 0x%08X, 0x%08X, %d, %d, 0x%016llX},\n",
+                  row.mode, kKinds[static_cast<int>(row.kind)], row.size.width, row.size.height,
+                  row.size.depth, row.size.bytesPerVoxel, u(row.detail), u(r[0]), u(r[1]), u(r[2]), u(r[3]),
+                  u(r[4]), u(r[5]), u(r[6]), u(r[7]), u(r[8]), row.crop.x0, row.crop.x1, row.crop.y0,
+                  row.crop.y1, row.crop.z0, row.crop.z1, u(row.high), u(row.low), u(row.extra),
+                  projection.width & 0xFFFF, projection.height & 0xFFFF,
+                  static_cast<unsigned long long>(DigestOf(projection)));
+    return text;
+}
+
+TEST(GoldenRows, DISABLED_AreWrittenAnew) {
+    const char* path = std::getenv("ZENTRA_GOLDEN_ROWS");
+    ASSERT_NE(path, nullptr) << "ZENTRA_GOLDEN_ROWS names the file";
+    std::FILE* file = std::fopen(path, "w");
+    ASSERT_NE(file, nullptr) << path;
+
+    std::fputs(
+        "// mode, volume, {width, height, depth, bytes per voxel}, detail, rotation, crop, high, low,\n"
+        "// extra, width and height of the picture, digest\n",
+        file);
+    for (const GoldenRow& row : AllRows()) {
+        std::fputs(Text(row, reference::Render(VolumeOf(row), RequestOf(row))).c_str(), file);
+    }
+    std::fclose(file);
+}
+
+} // namespace
