@@ -27,6 +27,12 @@ if(ZENTRA_SANITIZE)
   add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(ZENTRA_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link,address,undefined,float-cast-overflow
+    -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
+  add_link_options(-fsanitize=address,undefined,float-cast-overflow)
+endif()
+
 # Our own sources: warnings are errors.
 function(zentra_warnings target)
   target_compile_options(${target} PRIVATE

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 
 namespace z3d::reference {
 namespace {
@@ -64,6 +63,12 @@ Size FittedSize(const Size& stored, int maxDiagonal) {
     const long double s = maxDiagonal / diagonal;
     const auto fitted = [s](long double length) { return std::max(1, static_cast<int>(length * s)); };
     return {fitted(w), fitted(h), fitted(d)};
+}
+
+// Of the integer part, which may be of any size.
+std::uint8_t LowByteOf(double value) {
+    if (!std::isfinite(value)) return 0;
+    return static_cast<std::uint8_t>(static_cast<int>(std::fmod(std::trunc(value), 256.0)));
 }
 
 // The two ends of a composed slice's brightness, as sums of three channels.
@@ -157,7 +162,7 @@ Volume ResampleDepth(const Volume& volume, int newDepth, const Range& bounds) {
 
 Loaded Load(const FileBytes& file, const Size& stored, bool is8bit, const Size& size, Range& running) {
     Volume volume = Zeroes(stored.width, stored.height, stored.depth, is8bit ? 1 : 4);
-    std::memcpy(volume.voxels.data(), file.data(), std::min(file.size(), volume.voxels.size()));
+    std::copy_n(file.data(), std::min(file.size(), volume.voxels.size()), volume.voxels.data());
     Range range;
     Scan(volume, range);
     if (size.width != stored.width || size.height != stored.height) {
@@ -200,9 +205,7 @@ Volume ConvertToGrey(const Volume& source, const Range& range, Range& display) {
     for (int z = 0; z < source.depth; ++z) {
         if (range.max == range.min) {
             Widen(display, range.min, range.min);
-            // Every caller's value fits 64 bits here.
-            const auto byte = static_cast<std::uint8_t>(static_cast<std::int64_t>(range.min));
-            std::fill_n(Slice(result, z), count, byte);
+            std::fill_n(Slice(result, z), count, LowByteOf(range.min));
             continue;
         }
         std::vector<float> scaled(PixelsOf(source));
