@@ -100,8 +100,8 @@ const Scenario kBufferAndProjectionScenarios[] = {
 std::vector<Scenario> AllScenarios() {
     std::vector<Scenario> all(std::begin(kBufferAndProjectionScenarios),
                               std::end(kBufferAndProjectionScenarios));
-    for (const Scenario& scenario : GeometryScenarios())
-        all.push_back(scenario);
+    for (const std::span<const Scenario> more : {GeometryScenarios(), PipelineScenarios()})
+        all.insert(all.end(), more.begin(), more.end());
     return all;
 }
 

@@ -39,6 +39,9 @@ std::vector<Scenario> AllScenarios();
 // Those of rotations, angles, gamma and sub-volumes.
 std::span<const Scenario> GeometryScenarios();
 
+// Those of images from files and of the message title.
+std::span<const Scenario> PipelineScenarios();
+
 inline std::ostream& operator<<(std::ostream& out, const Scenario& scenario) { return out << scenario.name; }
 
 } // namespace z3d::test
