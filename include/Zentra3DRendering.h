@@ -179,19 +179,37 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  *                  crop box in voxels, 1-based, inclusive: 1..width, 1..height, 1..depth is the whole volume.
  *                  Swapped ends and values beyond the volume are put right.
  *   high, low      intensity window, upper bound first. Grey: tested on the voxel, 0..255. Colour: tested on
- *                  the sum of the three channels, 0..765. low > high accepts nothing.
- *   extra          ignored by mode 0
+ *                  the sum of the three channels, 0..765. Inclusive at both ends, but strict in modes 3 and 5.
+ *                  low > high accepts nothing; a bound that is not a number accepts nothing, and bounds nothing
+ *                  in mode 4.
+ *   extra          mode 3: 0 shows the first surface, anything else layered surfaces with this attenuation.
+ *                  mode 4: the transparency, usually 0..1; 1 is taken as 0.95. Ignored by the other modes.
  *   width, height  receive the size that GetRotDim gives, whatever the mode
  *   reserved       ignored
  *
- * Modes
- *   0  maximum: the largest voxel in the window (inclusive) along the ray. Colour: the largest of each channel
- *      among the voxels in the window, so the channels of one pixel may come from different voxels.
+ * Modes, and what the three floats of a pixel hold
+ *   0  maximum: the largest voxel in the window along the ray. Colour: the largest of each channel among the
+ *      voxels in the window, so the channels of one pixel may come from different voxels.
+ *   1  minimum: the smallest, likewise. Pixels without a contribution hold +3.4028235e38 (bits 0x7F7FFFFF).
+ *   2  sum: the sum of the voxels in the window, not averaged; single precision. Colour: per channel.
+ *   3  shaded surface: a voxel is material when its value lies strictly inside the window. Grey: the shade, 0..1
+ *      (the cosine between the intensity gradient and the viewing direction), where the ray first meets the
+ *      material; layered: the sum of the shades of all entries, the n-th, from 0, times extra to the power n.
+ *      Colour: the shade times each channel's share of the voxel's sum. Pixels without a surface hold 0.
+ *      Volumes of 1 or 2 slices are not shaded (shade 1), and their grey first surface looks at the nearest
+ *      sample alone. A black voxel in a colour window with a negative low gives floats that are not finite.
+ *   4  translucent blend, back to front: each voxel in the window covers what lies behind it by its value over
+ *      255 (colour: sum over 765) times 1 - extra. 0..255 for transparencies of 0..1.
+ *   5  local contrast: the largest difference between a voxel strictly inside the window and its neighbours in
+ *      the picture plane. Grey: the sum over four neighbours, 0..1020. Colour: one neighbour's difference,
+ *      0..765, shared out in the voxel's proportions. The outermost rows and columns of the projection hold 0.
+ *      In volumes of 1 or 2 slices every voxel in the window scores 1.
+ *   6  first hit: the voxel in the window that is nearest to the viewer.
  *   any other: null, with the size stored
  *
  * Returns  W * H pixels of 3 floats (12 bytes), top row of the view first, rows without padding, in raw voxel
- *          scale: 0..255, not normalised. Grey kernels write one value three times. Pixels without a
- *          contribution hold -3.4028235e38 (bits 0xFF7FFFFF).
+ *          scale, not normalised. Grey volumes write one value three times. Pixels without a contribution hold
+ *          -3.4028235e38 (bits 0xFF7FFFFF) where the mode does not say otherwise.
  * Fails    null for an unknown mode; for a null volume, rotation or size pointer; for a rotation that GetRotDim
  *          refuses; when a dimension is 0, or a slice is missing or differs from the others in size or format;
  *          when W * H * 12 does not fit 32 bits; when memory is short. Sizes are stored where they are known,
