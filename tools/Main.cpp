@@ -38,6 +38,7 @@ void Describe(CLI::App& program) {
     program.get_formatter()->column_width(32);
     program.set_version_flag("--version", VersionText);
     AddProjectCommand(program);
+    AddColourCommand(program);
     AddPhantomCommand(program);
     program.require_subcommand(1);
 }

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstdint>
 
+#include "Clock.h"
 #include "Failure.h"
 #include "Text.h"
 #include "Volume.h"
@@ -11,14 +12,6 @@
 namespace z3d::tools {
 
 namespace {
-
-double SecondsNow() {
-    LARGE_INTEGER now = {};
-    LARGE_INTEGER frequency = {};
-    QueryPerformanceCounter(&now);
-    QueryPerformanceFrequency(&frequency);
-    return static_cast<double>(now.QuadPart) / static_cast<double>(frequency.QuadPart);
-}
 
 struct Size {
     unsigned short width, height;

@@ -21,15 +21,6 @@ Report::Report(bool quiet, int projections)
       progressLine_(!quiet && projections > 1 && ErrorsGoToConsole()),
       projections_(projections) {}
 
-// A failure message must not start in the middle of the progress line.
-Report::~Report() { ClearLine(); }
-
-void Report::ClearLine() {
-    if (lineLength_ == 0) return;
-    PrintError("\r" + std::string(lineLength_, ' ') + "\r");
-    lineLength_ = 0;
-}
-
 void Report::Done(const Projection& projection, const std::vector<std::filesystem::path>& files) {
     if (quiet_) return;
     ++done_;
@@ -42,15 +33,12 @@ void Report::Done(const Projection& projection, const std::vector<std::filesyste
                           lastFiles_.c_str()));
         return;
     }
-    ClearLine();
-    const std::string line = Format("picture %d of %d, %.1f ms", done_, projections_, milliseconds);
-    PrintError(line);
-    lineLength_ = line.size();
+    line_.Show(Format("picture %d of %d, %.1f ms", done_, projections_, milliseconds));
 }
 
 void Report::Finish() {
     if (!progressLine_) return;
-    ClearLine();
+    line_.Clear();
     PrintError(Format("%d pictures, %.1f ms each: %s to %s\n", done_, seconds_ * 1000 / done_,
                       firstFiles_.c_str(), lastFiles_.c_str()));
 }

@@ -7,15 +7,13 @@
 #include <vector>
 
 #include "Projection.h"
+#include "StatusLine.h"
 
 namespace z3d::tools {
 
 class Report {
 public:
     Report(bool quiet, int projections);
-    ~Report();
-    Report(const Report&) = delete;
-    Report& operator=(const Report&) = delete;
 
     void Done(const Projection& projection, const std::vector<std::filesystem::path>& files);
 
@@ -23,14 +21,12 @@ public:
     void Finish();
 
 private:
-    void ClearLine();
-
     bool quiet_;
     bool progressLine_;
     int projections_;
     int done_ = 0;
     double seconds_ = 0;
-    size_t lineLength_ = 0;
+    StatusLine line_;
     std::string firstFiles_;
     std::string lastFiles_;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,6 +11,9 @@ namespace z3d::tools {
 
 std::wstring Wide(std::string_view text);
 std::string Narrow(std::wstring_view text);
+
+// In the system's 8-bit code page; nothing when a letter is missing there.
+std::optional<std::string> InCodePage(std::wstring_view text);
 
 std::filesystem::path PathOf(std::string_view text);
 

@@ -1,5 +1,7 @@
 #include "VolumeFiles.h"
 
+#include <optional>
+
 #include "Failure.h"
 #include "File.h"
 #include "Interrupt.h"
@@ -36,7 +38,10 @@ void WriteVolume(const std::filesystem::path& path, Volume3D& volume, VoxelType 
     const VolumeSize size = SizeOf(volume);
     const VolumeLock lock(volume);
     if (!lock.Held()) throw Failure("not enough memory to read the volume");
+    // Of a pair neither file is kept before both are whole.
     OutputFile data(files.front());
+    std::optional<OutputFile> header;
+    if (files.size() == 2) header.emplace(files.back()).Write(HeaderText(size, type, files.front()));
     const size_t sliceBytes =
         static_cast<size_t>(size.width) * static_cast<size_t>(size.height) * BytesPerVoxel(type);
     for (int z = 0; z < size.depth; ++z) {
@@ -44,10 +49,7 @@ void WriteVolume(const std::filesystem::path& path, Volume3D& volume, VoxelType 
         data.Write(lock.Slice(z), sliceBytes);
     }
     data.Commit();
-    if (files.size() == 1) return;
-    OutputFile header(files.back());
-    header.Write(HeaderText(size, type, files.front()));
-    header.Commit();
+    if (header) header->Commit();
 }
 
 } // namespace z3d::tools

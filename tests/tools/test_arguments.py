@@ -5,10 +5,10 @@ SEE = " (see zentra project --help)"
 
 class Arguments(ToolTest):
     def test_no_command(self):
-        self.expect_failure(2, "a command is wanted: project, phantom (see zentra --help)")
+        self.expect_failure(2, "a command is wanted: project, colour, phantom (see zentra --help)")
 
     def test_unknown_command(self):
-        self.expect_failure(2, "'paint' is none of the commands project, phantom (see zentra --help)",
+        self.expect_failure(2, "'paint' is none of the commands project, colour, phantom (see zentra --help)",
                             "paint")
 
     def test_missing_input(self):

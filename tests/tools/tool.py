@@ -24,16 +24,16 @@ class ToolTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
 
-    def start(self, *arguments, program="ZENTRA_EXE"):
+    def start(self, *arguments, program="ZENTRA_EXE", stdout=subprocess.PIPE, stderr=subprocess.PIPE):
         return subprocess.Popen([os.environ["RUN_WINE"], os.environ[program], *map(str, arguments)],
-                                cwd=self.folder, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                stderr=subprocess.PIPE)
+                                cwd=self.folder, stdin=subprocess.DEVNULL, stdout=stdout, stderr=stderr)
 
     def run_tool(self, *arguments, program="ZENTRA_EXE"):
         """Exit code, standard output and standard error."""
-        process = self.start(*arguments, program=program)
-        out, err = (text.decode("utf-8").replace("\r\n", "\n") for text in process.communicate(timeout=120))
-        return process.returncode, out, err
+        # Not through pipes: the first window of a Wine prefix starts its desktop, which would keep them open.
+        with tempfile.TemporaryFile() as out, tempfile.TemporaryFile() as err:
+            code = self.start(*arguments, program=program, stdout=out, stderr=err).wait(timeout=120)
+            return code, _text_of(out), _text_of(err)
 
     def project(self, *arguments):
         """Projects quietly and expects success without a word."""
@@ -81,6 +81,11 @@ class ToolTest(unittest.TestCase):
         process.send_signal(signal.SIGINT)
         out, err = process.communicate(timeout=60)
         return process.returncode, out.decode(), err.decode()
+
+
+def _text_of(file):
+    file.seek(0)
+    return file.read().decode("utf-8").replace("\r\n", "\n")
 
 
 def png(data):
