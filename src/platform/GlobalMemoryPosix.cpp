@@ -34,33 +34,33 @@ BlockHandle BlockAllocate(std::uint32_t bytes) {
     return block;
 }
 
-void* BlockLock(BlockHandle handle) {
+void* BlockLock(BlockHandle block) {
     if (IsRefused(Resource::BlockLock)) return nullptr;
-    auto* block = static_cast<Block*>(handle);
-    if (block == nullptr || block->pixels == nullptr) return nullptr;
-    ++block->lockCount;
+    auto* record = static_cast<Block*>(block);
+    if (record == nullptr || record->pixels == nullptr) return nullptr;
+    ++record->lockCount;
     NoteGranted(Resource::BlockLock);
-    return block->pixels;
+    return record->pixels;
 }
 
-std::int32_t BlockUnlock(BlockHandle handle) {
-    auto* block = static_cast<Block*>(handle);
-    if (block == nullptr || block->lockCount == 0) return 0;
+std::int32_t BlockUnlock(BlockHandle block) {
+    auto* record = static_cast<Block*>(block);
+    if (record == nullptr || record->lockCount == 0) return 0;
     NoteReleased(Resource::BlockLock);
-    --block->lockCount;
-    return block->lockCount != 0;
+    --record->lockCount;
+    return record->lockCount != 0;
 }
 
-void BlockFree(BlockHandle handle) {
-    if (handle == nullptr) return;
+void BlockFree(BlockHandle block) {
+    if (block == nullptr) return;
     NoteReleased(Resource::Block);
-    auto* block = static_cast<Block*>(handle);
+    auto* record = static_cast<Block*>(block);
     Block** link = &firstBlock;
-    while (*link != block)
+    while (*link != record)
         link = &(*link)->next;
-    *link = block->next;
-    std::free(block->pixels);
-    std::free(block);
+    *link = record->next;
+    std::free(record->pixels);
+    std::free(record);
 }
 
 BlockHandle BlockFromAddress(const void* address) {
