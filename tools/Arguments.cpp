@@ -52,6 +52,13 @@ float ParseFinite(std::string_view text) {
     return number;
 }
 
+double ParseFiniteDouble(std::string_view text) {
+    double number = 0;
+    if (!Parse(text, number) || !std::isfinite(number))
+        throw BadArgument(Quoted(text) + " is not a finite number");
+    return number;
+}
+
 int ParseWhole(std::string_view text, int lowest, int highest) {
     int number = 0;
     if (!Parse(text, number) || number < lowest || number > highest)

@@ -23,6 +23,7 @@ struct CropBox {
 float ParseFloat(std::string_view text);
 
 float ParseFinite(std::string_view text);
+double ParseFiniteDouble(std::string_view text);
 
 // 1 to kLongestAxis.
 int ParseAxisLength(std::string_view text);

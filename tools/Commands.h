@@ -10,5 +10,6 @@ namespace z3d::tools {
 void AddProjectCommand(CLI::App& program);
 void AddColourCommand(CLI::App& program);
 void AddPhantomCommand(CLI::App& program);
+void AddAnglesCommand(CLI::App& program);
 
 } // namespace z3d::tools

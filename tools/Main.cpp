@@ -40,6 +40,7 @@ void Describe(CLI::App& program) {
     AddProjectCommand(program);
     AddColourCommand(program);
     AddPhantomCommand(program);
+    AddAnglesCommand(program);
     program.require_subcommand(1);
 }
 

@@ -5,10 +5,10 @@ SEE = " (see zentra project --help)"
 
 class Arguments(ToolTest):
     def test_no_command(self):
-        self.expect_failure(2, "a command is wanted: project, colour, phantom (see zentra --help)")
+        self.expect_failure(2, "a command is wanted: project, colour, phantom, angles (see zentra --help)")
 
     def test_unknown_command(self):
-        self.expect_failure(2, "'paint' is none of the commands project, colour, phantom (see zentra --help)",
+        self.expect_failure(2, "'paint' is none of the commands project, colour, phantom, angles (see zentra --help)",
                             "paint")
 
     def test_missing_input(self):
@@ -107,8 +107,8 @@ class Help(ToolTest):
     def test_names_the_commands(self):
         code, out, err = self.run_tool("--help")
         self.assertEqual((code, err), (0, ""))
-        self.assertIn("project", out)
-        self.assertIn("phantom", out)
+        for command in ("project", "colour", "phantom", "angles"):
+            self.assertIn(command, out)
 
     def test_of_project_explains_every_mode_and_option(self):
         code, out, err = self.run_tool("project", "--help")
