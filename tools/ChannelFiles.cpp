@@ -40,8 +40,11 @@ public:
         if (percent < percent_) Start();
         percent_ = percent;
         const int parts = static_cast<int>(percent) * kParts / 100;
-        if (parts == drawn_) return;
+        // A console takes longer over a line than the library over a slice.
+        const double now = SecondsNow();
+        if (parts == drawn_ || now < drawnAt_ + 0.05) return;
         drawn_ = parts;
+        drawnAt_ = now;
         const auto done = static_cast<size_t>(parts);
         line_.Show(Format("step %d [%s%s]", step_, std::string(done, '#').c_str(),
                           std::string(kParts - done, '.').c_str()));
@@ -60,6 +63,7 @@ private:
     int step_ = 0;
     float percent_ = 0;
     int drawn_ = -1;
+    double drawnAt_ = 0;
 };
 
 // Called by the library, which no exception may cross; a picture of the progress that fails is no reason to end.
