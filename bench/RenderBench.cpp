@@ -1,7 +1,7 @@
 // ns per sample of every kernel on every instruction set, and the ratio to the plain form in the same run.
 //
 // Usage: bench_render [--head FILE] [--only TEXT] [--seconds S]
-//   --head   8-bit head of 181 x 217 x 181 voxels without a header (scripts/demo makes build/demo/head.raw);
+//   --head   8-bit head of 181 x 217 x 181 voxels without a header (scripts/demo makes build/demo/ch2.raw);
 //            without it a smooth phantom of that size
 //   --only   rows whose name contains the text
 #include "PairedTimer.h"
