@@ -148,13 +148,13 @@ TEST(RawVolumeLoader, MeasuresWhatItReturnsAndNotTheFile) {
     ExpectRange(result.running, 30, 0);
 }
 
-// After the resampling in plane nothing of the file's -5 and 9 is left: they still bound the extrapolation.
+// After the resampling in plane 4 and 8 are left; the file's -5 to 9 still bounds the extrapolation to 3.
 TEST(RawVolumeLoader, BoundsTheDepthByTheFilesRange) {
     const TemporaryFile file(std::vector<float>{-5, 9, 0, 4, 9, 9, 0, 8});
 
-    const LoadResult result = Load(file, {2, 2, 2}, false, {1, 2, 4});
+    const LoadResult result = Load(file, {2, 2, 2}, false, {1, 1, 4});
 
-    EXPECT_TRUE(HasSamples(result.volume.get(), FloatStack(1, 2, 4, {3, 0, 5, 0, 7, 0, 8, 0})));
+    EXPECT_TRUE(HasSamples(result.volume.get(), FloatStack(1, 1, 4, {3, 5, 7, 8})));
 }
 
 TEST(RawVolumeLoader, LoadsAnEmptyStack) {
@@ -167,6 +167,19 @@ TEST(RawVolumeLoader, LoadsAnEmptyStack) {
     ExpectRange(result.range, ValueRange().max, ValueRange().min);
     ExpectRange(result.running, ValueRange().max, ValueRange().min);
     EXPECT_EQ(result.events, Transcript{Start()});
+}
+
+// There is nothing to measure, so the file's range stays and the running one is not widened.
+TEST(RawVolumeLoader, MeasuresNothingOfAnEmptyResult) {
+    const TemporaryFile file(std::vector<float>{2, 8});
+
+    const LoadResult result = Load(file, {1, 1, 2}, false, {1, 1, 0});
+
+    ASSERT_TRUE(result.volume);
+    EXPECT_EQ(result.volume->depth, 0);
+    ExpectRange(result.range, 8, 2);
+    ExpectRange(result.running, ValueRange().max, ValueRange().min);
+    EXPECT_EQ(result.events, (Transcript{Start(), Percent(50), Percent(100), Start()}));
 }
 
 TEST(RawVolumeLoader, RunsToItsEndWithoutACallback) {
