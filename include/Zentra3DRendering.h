@@ -243,8 +243,8 @@ float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short 
  *
  * Phases  Every file that is loaded has a phase of 101, then 102 after each slice; where the depth changes, a
  *         second phase of 101 and 102 after each slice of the result follows. Making the RGB or grey result is
- *         the last phase: 102 before each slice, without a 101. Each phase counts to 100 percent on its own, so
- *         100 is not the end of the call.
+ *         the last phase: 102 before each slice, without a 101; a single file of bytes is returned as it was
+ *         loaded and needs none. Each phase counts to 100 percent on its own, so 100 is not the end of the call.
  * Rules   It is stdcall like every function here. It and what it needs stay alive until GetRGBImage returns: in
  *         a managed language keep a reference to the delegate. No exception and no longjmp may leave it. It
  *         finds the floating-point state of the host, and may change it. It may call this library, except that
@@ -258,8 +258,8 @@ typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned in
  *   redFile, greenFile, blueFile
  *                    paths in the system's 8-bit code page; null or empty: no such channel, all its samples count
  *                    as 0. Files hold `depth` slices of `height` rows of `width` samples, without a header or
- *                    padding; what they lack at the end is zero, what is beyond is ignored. They are opened for
- *                    reading while others may read them too.
+ *                    padding; what they lack at the end is zero, what is beyond is ignored. Others may read them
+ *                    meanwhile; a file that someone has open for writing cannot be opened.
  *   width, height, depth
  *                    the stored size, in samples; 1 to 32767 each
  *   reserved1..3     ignored
@@ -268,9 +268,10 @@ typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned in
  *                    L = sqrt(width^2 + height^2 + depth^2) every length becomes length * maxDiagonal / L, without
  *                    its fraction and at least 1: 100 x 100 x 100 and a limit of 100 give 57 x 57 x 57.
  *   outMax, outMin   receive the display range of the result, upper end first; a null one is skipped.
- *                    RGB: of the sum of the three channels, 0..765, upper end exclusive up to 252 * 3 + 3;
- *                    grey of bytes: of the samples; grey of floats: of the samples mapped to 0..255 but not yet
- *                    rounded, so they may go a little beyond.
+ *                    RGB: of the sum of the three channels, 3 times the smallest mean of a voxel and 3 times one
+ *                    more than the largest: 0 and 3 for black, 765 at most.
+ *                    Grey of bytes: of the samples. Grey of floats: of the samples mapped to 0..255 before they
+ *                    are rounded, so it may go a little beyond.
  *   rangeMaxOut, rangeMinOut
  *                    receive the range of all channels' samples after resampling, upper end first. Filled when
  *                    both are given; when just one is, it receives the start value of a range, -3.4028235e38 for
