@@ -268,8 +268,9 @@ typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned in
  *                    L = sqrt(width^2 + height^2 + depth^2) every length becomes length * maxDiagonal / L, without
  *                    its fraction and at least 1: 100 x 100 x 100 and a limit of 100 give 57 x 57 x 57.
  *   outMax, outMin   receive the display range of the result, upper end first; a null one is skipped.
- *                    RGB: of the sum of the three channels, 3 times the smallest mean of a voxel and 3 times one
- *                    more than the largest: 0 and 3 for black, 765 at most.
+ *                    RGB: of the sum of the three channels, in steps of 3: the largest sum of a voxel rounded up,
+ *                    at least 3, and the next step below the smallest sum, at least 0. All black gives 3 and 0,
+ *                    all white 765 and 762.
  *                    Grey of bytes: of the samples. Grey of floats: of the samples mapped to 0..255 before they
  *                    are rounded, so it may go a little beyond.
  *   rangeMaxOut, rangeMinOut

@@ -23,8 +23,8 @@ struct ChannelImages {
 
 // A new unlocked volume of 3 bytes per voxel, of the channels' smallest width, height and depth. `range` is the
 // common range of the channels' samples. `display` receives the range of the result's brightness, as sums of
-// three channels: the upper end exclusive, except at full scale. It keeps its start values when the result has no
-// slices, and is unspecified on failure.
+// three channels: 3 times the smallest grey level and 3 times one more than the largest. It keeps its start values
+// when the result has no slices, and is unspecified on failure.
 //
 // The channels are unlocked and are consumed: each of their slices is freed, and its entry cleared, as soon as
 // it has been used. The volumes stay with the caller.

@@ -34,7 +34,7 @@ public:
         max_ = std::max<std::int32_t>(max_, largest);
     }
 
-    // As sums of three channels. The upper end is exclusive, and so makes up for the weights' missing part.
+    // As sums of three channels. The upper end is one level more, which makes up for the weights' missing part.
     ValueRange Sums() const {
         const std::int32_t end = max_ < 255 ? max_ + 1 : max_;
         return {static_cast<float>(end * 3), static_cast<float>(min_ * 3)};
