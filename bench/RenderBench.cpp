@@ -219,17 +219,18 @@ int main(int argc, char** argv) {
         {"first hit narrow", 6, 30, 40, 50, 100, 120, 0},
     };
     const std::vector<Row> colourRows = {
-        {"max", 0, 30, 40, 50, 0, 765, 0},         {"max identity", 0, 0, 0, 0, 0, 765, 0},
-        {"min", 1, 30, 40, 50, 0, 765, 0},         {"sum", 2, 30, 40, 50, 0, 765, 0},
-        {"surface", 3, 30, 40, 50, 240, 766, 0},   {"layers", 3, 30, 40, 50, 240, 766, 0.5f},
-        {"blend", 4, 30, 40, 50, 0, 765, 0.9f},    {"contrast", 5, 30, 40, 50, -1, 766, 0},
+        {"max", 0, 30, 40, 50, 0, 765, 0},          {"max identity", 0, 0, 0, 0, 0, 765, 0},
+        {"max 90 about x", 0, 90, 0, 0, 0, 765, 0}, {"max 90 about y", 0, 0, 90, 0, 0, 765, 0},
+        {"max 90 about z", 0, 0, 0, 90, 0, 765, 0}, {"max 5 about x", 0, 5, 0, 0, 0, 765, 0},
+        {"min", 1, 30, 40, 50, 0, 765, 0},          {"sum", 2, 30, 40, 50, 0, 765, 0},
+        {"surface", 3, 30, 40, 50, 240, 766, 0},    {"layers", 3, 30, 40, 50, 240, 766, 0.5f},
+        {"blend", 4, 30, 40, 50, 0, 765, 0.9f},     {"contrast", 5, 30, 40, 50, -1, 766, 0},
         {"first hit", 6, 30, 40, 50, 300, 765, 0},
     };
     const std::vector<Row> cubeRows = {
-        {"max", 0, 30, 40, 50, 0, 255, 0},
-        {"max identity", 0, 0, 0, 0, 0, 255, 0},
-        {"max 90 about y", 0, 0, 90, 0, 0, 255, 0},
-        {"max 5 about x", 0, 5, 0, 0, 0, 255, 0},
+        {"max", 0, 30, 40, 50, 0, 765, 0},          {"max identity", 0, 0, 0, 0, 0, 765, 0},
+        {"max 90 about x", 0, 90, 0, 0, 0, 765, 0}, {"max 90 about y", 0, 0, 90, 0, 0, 765, 0},
+        {"max 90 about z", 0, 0, 0, 90, 0, 765, 0}, {"max 5 about x", 0, 5, 0, 0, 0, 765, 0},
     };
 
     std::printf("ns per sample: plain form | SSE2, AVX2, AVX-512 where the processor has them, each with its "
@@ -245,6 +246,7 @@ int main(int argc, char** argv) {
     run(head, "head", greyRows);
     run(ColourOf(head), "head RGB", colourRows);
     run(BlobVolume({256, 256, 256}, 2), "smooth 256", cubeRows);
+    run(ColourOf(BlobVolume({256, 256, 256}, 2)), "smooth 256 RGB", cubeRows);
     run(NoiseVolume({256, 256, 256}, 3), "noise 256", cubeRows);
     run(BlobVolume({32, 32, 32}, 4), "smooth 32", cubeRows);
     run(BlobVolume({64, 64, 64}, 5), "smooth 64", cubeRows);
