@@ -182,7 +182,8 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  *                  the sum of the three channels, 0..765. Inclusive at both ends, but strict in modes 3 and 5.
  *                  low > high accepts nothing; a bound that is not a number accepts nothing, and bounds nothing
  *                  in mode 4.
- *   extra          mode 3: 0 shows the first surface, anything else layered surfaces with this attenuation.
+ *   extra          mode 3: 0 (or not a number) shows the first surface, any other value layered surfaces with
+ *                  this attenuation.
  *                  mode 4: the transparency, usually 0..1; 1 is taken as 0.95. Ignored by the other modes.
  *   width, height  receive the size that GetRotDim gives, whatever the mode
  *   reserved       ignored

@@ -49,9 +49,13 @@ struct SkipExtent {
     std::size_t Bytes() const { return slab * static_cast<std::size_t>(blocksZ); }
 };
 
-// Codes and bounds.
+// Codes and bounds. A size that cannot be had where the bytes do not fit: the padding of its rows can make the
+// table of a thin volume many times larger than the volume.
 inline std::size_t SkipTableBytes(const VoxelGrid& grid) {
-    return 2 * SkipExtent(grid).Bytes() + 2 * SkipExtent::kRowPadding;
+    const SkipExtent extent(grid);
+    const std::size_t padding = 2 * SkipExtent::kRowPadding;
+    if (extent.slab > (SIZE_MAX - padding) / 2 / static_cast<std::size_t>(extent.blocksZ)) return SIZE_MAX;
+    return 2 * extent.Bytes() + padding;
 }
 
 // What the bounds of skipped stretches are about: large values, small values, or only whether any voxel lies in

@@ -101,6 +101,25 @@ TEST_P(Differential, SparseVolumesOfManyBlocks) {
     }
 }
 
+// Hosts may pass matrices whose row 2 is longer than 1: samples are then more than a voxel apart. On an axis of
+// one voxel the length does not even show in the size.
+TEST_P(Differential, StepsLongerThanAVoxel) {
+    for (const float length : {1.02f, 1.04f, 2.0f, 18.0f, 40.0f, 1000.0f, 1e9f, 1e30f}) {
+        for (int axis = 0; axis < 3; ++axis) {
+            SCOPED_TRACE(::testing::Message() << "length " << length << " along axis " << axis);
+            RandomSource random(4000);
+            VolumeSize size = {3, 3, 3, BytesPerVoxel()};
+            int* const sides[] = {&size.width, &size.height, &size.depth};
+            if (length > 1000) *sides[axis] = 1;
+            const reference::Volume volume = RandomVolume(random, size);
+            reference::Request request = PlainRequest(volume, Mode());
+            request.rotation[static_cast<std::size_t>(6 + axis)] = length;
+            ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(volume, request)))
+                << Describe(request);
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(AllModes, Differential,
                          ::testing::Combine(::testing::Range(0, 7), ::testing::Values(1, 2, 3, 4),
                                             ::testing::ValuesIn(render::kInstructionSets)));

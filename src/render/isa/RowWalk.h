@@ -10,10 +10,12 @@ namespace z3d::render::Z3D_ISA {
 
 // With these elements exactly 1 and 0, view x is volume x, and no other coordinate of a ray depends on its
 // column: px * 0 adds nothing to a sum. The output is then as wide as the volume, and column i samples x = i.
+// Up to 2^24 depth indexes are exact in single precision, and no ray has more samples than the output is deep.
 inline bool HasVolumeColumns(const ProjectionJob& job) {
     const float* inverse = job.geometry.inverse;
     return inverse[0] == 1 && inverse[1] == 0 && inverse[2] == 0 && inverse[3] == 0 && inverse[6] == 0
-           && job.geometry.view[0] == 0 && job.geometry.outputWidth == job.grid.width;
+           && job.geometry.view[0] == 0 && job.geometry.outputWidth == job.grid.width
+           && job.geometry.outputDepth <= (1 << 24);
 }
 
 template <class Rule>

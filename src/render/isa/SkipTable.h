@@ -19,8 +19,12 @@ namespace z3d::render::Z3D_ISA {
 
 class SkipTable {
 public:
-    // Positions within a layer of blocks are formed in floats, which must be exact.
+    // Positions within a layer of blocks are formed in floats, which must be exact. A stretch must not reach
+    // beyond the padding of a row: rotations that lengthen a ray's step, which hosts may pass, get no table.
     static bool IsUsable(const ProjectionJob& job) {
+        for (int axis = 0; axis < 3; ++axis) {
+            if (!(__builtin_fabsf(job.geometry.inverse[3 * axis + 2]) <= kLongestStep)) return false;
+        }
         return job.skipMemory != nullptr && SkipExtent(job.grid).slab <= (1 << 24);
     }
 
@@ -64,6 +68,9 @@ public:
     }
 
 private:
+    // 15 steps and their rounding (at most 0.13) stay within 16 voxels: 8 blocks.
+    static constexpr float kLongestStep = 1.03125f;
+
     SkipTable(const ProjectionJob& job, bool backToFront) : extent_(job.grid) {
         const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
         for (int axis = 0; axis < 3; ++axis) {
