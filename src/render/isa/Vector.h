@@ -150,7 +150,11 @@ Z3D_INLINE Doubles MaxDoubles(Doubles a, Doubles b) {
 }
 
 // Where the mask is set the first value, else the second.
-Z3D_INLINE Doubles Select(LongMask mask, Doubles set, Doubles clear) { return mask ? set : clear; }
+// By bits: masks are all ones or all zeroes, and SSE2 has no comparison of 64-bit integers to test them with.
+Z3D_INLINE Doubles Select(LongMask mask, Doubles set, Doubles clear) {
+    return reinterpret_cast<Doubles>((reinterpret_cast<LongMask>(set) & mask)
+                                     | (reinterpret_cast<LongMask>(clear) & ~mask));
+}
 
 Z3D_INLINE bool AnySet(Bytes mask) { return _mm_movemask_epi8(reinterpret_cast<__m128i>(mask)) != 0; }
 Z3D_INLINE unsigned BitsOf(Bytes mask) {
