@@ -28,7 +28,7 @@ public:
             rays_.TrimRows(nextRow);
             for (std::int32_t left = 0; left < geometry_.outputWidth; left += kPacketSide) {
                 Packet packet;
-                rays_.Gather(nextRow, left, packet);
+                rays_.Gather(left, packet);
                 if (packet.longest > 0) LookAtPacket(packet, nextRow, left);
             }
             LookAtQueue();
@@ -179,7 +179,7 @@ private:
     const ProjectionJob& job_;
     const RayGeometry& geometry_;
     const Rule rule_;
-    const PacketRays rays_;
+    PacketRays rays_;
     const IndexWalk walk_;
     const SkipTable& skips_;
     std::int64_t seen_ = 0;

@@ -1,7 +1,7 @@
 // The rays of 4 x 4 neighbouring pixels: how many samples each has, and where the first one lies.
 #pragma once
 
-#include "render/isa/RaySetup.h"
+#include "render/isa/LinearRaySetup.h"
 #include "render/isa/Rules.h"
 
 namespace z3d::render::Z3D_ISA {
@@ -9,7 +9,6 @@ namespace z3d::render::Z3D_ISA {
 struct Packet {
     alignas(64) std::int32_t start[kRays]; // depth index of the first sample
     alignas(64) std::int32_t count[kRays]; // samples; 0 for a ray that is not rendered
-    float* pixel[kRays];                   // null beyond the rendered part of the image
     std::int32_t longest;
 };
 
@@ -40,62 +39,73 @@ RayShape RayShapeOf(const Rule& rule) {
 class PacketRays {
 public:
     PacketRays(const ProjectionJob& job, const RayShape& shape)
-        : job_(job), geometry_(job.geometry), setup_(job.geometry), shape_(shape) {}
+        : job_(job),
+          geometry_(job.geometry),
+          setup_(job.geometry),
+          linear_(job.geometry),
+          isLinear_(linear_.IsUsable()),
+          shape_(shape) {}
 
-    // Trims the rays of the four rows from array row `top` on.
-    [[gnu::noinline]] void TrimRows(std::int32_t top) const {
-        const std::int32_t height = geometry_.outputHeight;
-        for (std::int32_t row = 0; row < kPacketSide && top + row < height; ++row) {
-            setup_.TrimRow(height - 1 - top - row, First(row), Count(row));
+    // Trims the rays of the four rows from array row `top` on. Rays that are not rendered get no samples.
+    [[gnu::noinline]] void TrimRows(std::int32_t top) {
+        const std::int32_t width = geometry_.outputWidth;
+        for (std::int32_t row = 0; row < kPacketSide; ++row) {
+            std::int32_t* count = Count(row);
+            if (top + row >= geometry_.outputHeight - shape_.border) {
+                __builtin_memset(count, 0, static_cast<std::size_t>(width + kRowPadding) * sizeof *count);
+                continue;
+            }
+            TrimRow(geometry_.outputHeight - 1 - top - row, First(row), count);
+            for (std::int32_t i = 0; i < shape_.border && i < width; ++i)
+                count[i] = 0;
+            for (std::int32_t i = width - shape_.border > 0 ? width - shape_.border : 0;
+                 i < width + kRowPadding; ++i) {
+                count[i] = 0;
+            }
         }
     }
 
-    [[gnu::noinline]] void Gather(std::int32_t top, std::int32_t left, Packet& packet) const {
-        packet.longest = 0;
-        for (int ray = 0; ray < kRays; ++ray) {
-            const std::int32_t row = top + ray / kPacketSide;
-            const std::int32_t column = left + ray % kPacketSide;
-            packet.pixel[ray] = nullptr;
-            packet.start[ray] = 0;
-            packet.count[ray] = 0;
-            if (row >= geometry_.outputHeight - shape_.border
-                || column >= geometry_.outputWidth - shape_.border) {
-                continue;
-            }
-            packet.pixel[ray] =
-                job_.pixels
-                + 3
-                      * (static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.outputWidth)
-                         + static_cast<std::size_t>(column));
-            const std::int32_t count = Count(ray / kPacketSide)[column];
-            if (count == 0) continue;
-            const std::int32_t first = First(ray / kPacketSide)[column];
-            packet.start[ray] = shape_.backToFront ? first + count - 1 : first;
-            packet.count[ray] = count + shape_.samplesPastEnd;
-            if (packet.count[ray] > shape_.sampleLimit) packet.count[ray] = shape_.sampleLimit;
-            if (packet.count[ray] > packet.longest) packet.longest = packet.count[ray];
+    // The rays of the packet whose left column is `left`, in the order of the rows.
+    [[gnu::noinline]] void Gather(std::int32_t left, Packet& packet) const {
+        const __m128i zero = _mm_setzero_si128();
+        const __m128i extra = _mm_set1_epi32(shape_.samplesPastEnd);
+        const __m128i limit = _mm_set1_epi32(shape_.sampleLimit);
+        __m128i longest = zero;
+        for (std::int32_t row = 0; row < kPacketSide; ++row) {
+            const __m128i trimmed = _mm_loadu_si128(reinterpret_cast<const __m128i*>(Count(row) + left));
+            const __m128i isRay = _mm_cmpgt_epi32(trimmed, zero);
+            __m128i start = _mm_loadu_si128(reinterpret_cast<const __m128i*>(First(row) + left));
+            if (shape_.backToFront) start = _mm_add_epi32(start, _mm_add_epi32(trimmed, isRay));
+            const __m128i count = SmallerInts(_mm_add_epi32(trimmed, _mm_and_si128(extra, isRay)), limit);
+            // A ray without samples starts anywhere: what its scratch memory holds is not looked at.
+            _mm_store_si128(reinterpret_cast<__m128i*>(packet.start) + row, _mm_and_si128(start, isRay));
+            _mm_store_si128(reinterpret_cast<__m128i*>(packet.count) + row, count);
+            longest = LargerInts(longest, count);
         }
+        longest = LargerInts(longest, _mm_shuffle_epi32(longest, 0x4E));
+        longest = LargerInts(longest, _mm_shuffle_epi32(longest, 0xB1));
+        packet.longest = _mm_cvtsi128_si32(longest);
     }
 
     // The sample point at depth index k: (k - hd) T(a,2) + px T(a,0) + py T(a,1) + c(a), rounded once.
     [[gnu::noinline]] void PlaceStarts(const Packet& packet, std::int32_t top, std::int32_t left,
                                        Positions& positions) const {
-        alignas(64) double px[kRays];
-        alignas(64) double py[kRays];
-        for (int ray = 0; ray < kRays; ++ray) {
-            px[ray] = left + ray % kPacketSide - static_cast<double>(geometry_.halfSize[0]);
-            py[ray] = geometry_.outputHeight - 1 - top - ray / kPacketSide
-                      - static_cast<double>(geometry_.halfSize[1]);
-        }
-        for (int axis = 0; axis < 3; ++axis) {
-            const float* row = geometry_.inverse + 3 * axis;
-            for (int ray = 0; ray < kRays; ray += kDoubleLanes) {
-                Doubles x;
-                Doubles y;
-                __builtin_memcpy(&x, px + ray, sizeof x);
-                __builtin_memcpy(&y, py + ray, sizeof y);
-                const Doubles depth =
-                    LoadAsDoubles(packet.start + ray) - static_cast<double>(geometry_.halfSize[2]);
+        const double px = left - static_cast<double>(geometry_.halfSize[0]);
+        const double py = geometry_.outputHeight - 1 - top - static_cast<double>(geometry_.halfSize[1]);
+        for (int ray = 0; ray < kRays; ray += kDoubleLanes) {
+            // Whole and half numbers: exact in any order.
+            Doubles x;
+            Doubles y;
+            for (int lane = 0; lane < kDoubleLanes; ++lane) {
+                x[lane] = lane % kPacketSide;
+                y[lane] = lane / kPacketSide;
+            }
+            x += px + ray % kPacketSide;
+            y = py - ray / kPacketSide - y;
+            const Doubles depth =
+                LoadAsDoubles(packet.start + ray) - static_cast<double>(geometry_.halfSize[2]);
+            for (int axis = 0; axis < 3; ++axis) {
+                const float* row = geometry_.inverse + 3 * axis;
                 StoreSingle(positions.axis[axis] + ray, depth * static_cast<double>(row[2])
                                                             + x * static_cast<double>(row[0])
                                                             + y * static_cast<double>(row[1])
@@ -105,6 +115,37 @@ public:
     }
 
 private:
+    static constexpr std::int32_t kTrial = 64; // vectors after which the linear set-up may be given up
+
+    Z3D_INLINE static __m128i LargerInts(__m128i a, __m128i b) {
+        const __m128i isLarger = _mm_cmpgt_epi32(a, b);
+        return _mm_or_si128(_mm_and_si128(isLarger, a), _mm_andnot_si128(isLarger, b));
+    }
+    Z3D_INLINE static __m128i SmallerInts(__m128i a, __m128i b) {
+        const __m128i isLarger = _mm_cmpgt_epi32(a, b);
+        return _mm_or_si128(_mm_and_si128(isLarger, b), _mm_andnot_si128(isLarger, a));
+    }
+
+    void TrimRow(std::int32_t j, std::int32_t* first, std::int32_t* count) {
+        if (!isLinear_) {
+            setup_.TrimRow(j, first, count);
+            return;
+        }
+        const LinearRaySetup::Row row(linear_, j - static_cast<double>(geometry_.halfSize[1]));
+        Doubles column;
+        for (int lane = 0; lane < kDoubleLanes; ++lane)
+            column[lane] = lane;
+        column -= static_cast<double>(geometry_.halfSize[0]);
+        for (std::int32_t i = 0; i < geometry_.outputWidth; i += kDoubleLanes) {
+            ++trimmed_;
+            if (!row.Trim(column + static_cast<double>(i), first + i, count + i)) {
+                ++doubtful_;
+                setup_.TrimColumns(j, i, first + i, count + i);
+            }
+        }
+        if (trimmed_ >= kTrial && doubtful_ * 4 > trimmed_) isLinear_ = false;
+    }
+
     std::int32_t* First(std::int32_t row) const {
         return job_.rowScratch + 2 * row * (geometry_.outputWidth + kRowPadding);
     }
@@ -113,6 +154,10 @@ private:
     const ProjectionJob& job_;
     const RayGeometry& geometry_;
     const RaySetup setup_;
+    const LinearRaySetup linear_;
+    bool isLinear_;
+    std::int64_t trimmed_ = 0;
+    std::int64_t doubtful_ = 0;
     const RayShape shape_;
 };
 

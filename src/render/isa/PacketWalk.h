@@ -14,6 +14,7 @@ public:
     PacketWalk(const ProjectionJob& job, const Rule& rule, typename Rule::Format::Grid grid,
                const SkipTable* skips)
         : grid_(grid),
+          job_(job),
           geometry_(job.geometry),
           rule_(rule),
           rays_(job, RayShapeOf(rule)),
@@ -40,12 +41,20 @@ private:
 
     void RenderPacket(std::int32_t top, std::int32_t left) {
         Packet packet;
-        rays_.Gather(top, left, packet);
+        rays_.Gather(left, packet);
         typename Rule::Lanes lanes{};
         if (packet.longest > 0) Walk(packet, top, left, lanes);
         for (int ray = 0; ray < kRays; ++ray) {
-            float* pixel = packet.pixel[ray];
-            if (pixel == nullptr) continue;
+            const std::int32_t row = top + ray / kPacketSide;
+            const std::int32_t column = left + ray % kPacketSide;
+            if (row >= geometry_.outputHeight - Rule::kBorder
+                || column >= geometry_.outputWidth - Rule::kBorder)
+                continue;
+            float* pixel =
+                job_.pixels
+                + 3
+                      * (static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.outputWidth)
+                         + static_cast<std::size_t>(column));
             pixel[0] = pixel[1] = pixel[2] = Rule::kInitial;
             if (packet.count[ray] > 0) rule_.Finish(lanes, ray, pixel);
         }
@@ -85,9 +94,10 @@ private:
     }
 
     const typename Rule::Format::Grid grid_;
+    const ProjectionJob& job_;
     const RayGeometry& geometry_;
     const Rule rule_;
-    const PacketRays rays_;
+    PacketRays rays_;
     const IndexWalk walk_;
     const SkipTable* skips_;
     std::int64_t seen_ = 0;

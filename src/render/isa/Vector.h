@@ -149,6 +149,19 @@ Z3D_INLINE Doubles MaxDoubles(Doubles a, Doubles b) {
 #endif
 }
 
+// The integer part; the values must fit into 32 bits.
+Z3D_INLINE Doubles Whole(Doubles value) {
+#if Z3D_VECTOR_BYTES == 64
+    return reinterpret_cast<Doubles>(
+        _mm512_roundscale_pd(reinterpret_cast<__m512d>(value), _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC));
+#elif Z3D_VECTOR_BYTES == 32
+    return reinterpret_cast<Doubles>(
+        _mm256_round_pd(reinterpret_cast<__m256d>(value), _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC));
+#else
+    return reinterpret_cast<Doubles>(_mm_cvtepi32_pd(_mm_cvttpd_epi32(reinterpret_cast<__m128d>(value))));
+#endif
+}
+
 // Where the mask is set the first value, else the second.
 // By bits: masks are all ones or all zeroes, and SSE2 has no comparison of 64-bit integers to test them with.
 Z3D_INLINE Doubles Select(LongMask mask, Doubles set, Doubles clear) {
@@ -156,6 +169,15 @@ Z3D_INLINE Doubles Select(LongMask mask, Doubles set, Doubles clear) {
                                      | (reinterpret_cast<LongMask>(clear) & ~mask));
 }
 
+Z3D_INLINE bool AnySet(LongMask mask) {
+#if Z3D_VECTOR_BYTES == 64
+    return _mm512_movepi64_mask(reinterpret_cast<__m512i>(mask)) != 0;
+#elif Z3D_VECTOR_BYTES == 32
+    return _mm256_movemask_pd(reinterpret_cast<__m256d>(mask)) != 0;
+#else
+    return _mm_movemask_pd(reinterpret_cast<__m128d>(mask)) != 0;
+#endif
+}
 Z3D_INLINE bool AnySet(Bytes mask) { return _mm_movemask_epi8(reinterpret_cast<__m128i>(mask)) != 0; }
 Z3D_INLINE unsigned BitsOf(Bytes mask) {
     return static_cast<unsigned>(_mm_movemask_epi8(reinterpret_cast<__m128i>(mask)));
