@@ -86,7 +86,7 @@ private:
             const Bytes remaining = RemainingOf(packet, done);
             starts_[stretches] = positions;
             bounds_[stretches] = skips_.BoundsAt(positions) & ~AreEqual(remaining, Bytes{});
-            walk_.Skip(positions, kSamples);
+            walk_.Skip(positions);
             seen_ += kRays;
         }
         return stretches;

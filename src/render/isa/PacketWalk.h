@@ -68,7 +68,7 @@ private:
             const Bytes remaining = RemainingOf(packet, done);
             if (skips_ && !IsWanted(positions, remaining, lanes)) {
                 rule_.PassOver(lanes);
-                walk_.Skip(positions, samples);
+                walk_.Skip(positions);
                 continue;
             }
             walk_.template NextStretch<Rule::kUsesPositions>(positions, samples, indexes_);

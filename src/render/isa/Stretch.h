@@ -59,13 +59,14 @@ public:
         const NearestIndex nearest(job, margin);
         for (int axis = 0; axis < 3; ++axis) {
             const float step = job.geometry.inverse[3 * axis + 2];
-            step_[axis] = backToFront ? -step : step;
-            first_[axis] = static_cast<float>(nearest.first[axis]);
-            last_[axis] = static_cast<float>(nearest.last[axis]);
+            step_[axis] = AllFloats(backToFront ? -step : step);
+            first_[axis] = AllFloats(static_cast<float>(nearest.first[axis]));
+            last_[axis] = AllFloats(static_cast<float>(nearest.last[axis]));
         }
         width_ = static_cast<std::uint32_t>(job.grid.width);
-        // Indexes within a slice are formed in floats as long as they are exact there.
-        isSmallPlane_ = static_cast<std::int64_t>(job.grid.width) * job.grid.height <= (1 << 24);
+        upperPart_ = AllFloats(kUpperPart);
+        factors_ = static_cast<std::int32_t>(width_ | 1u << 16) - Ints{};
+        isSmallPlane_ = job.grid.width < (1 << 15) && job.grid.height < (1 << 15);
     }
 
     template <bool kKeepPositions>
@@ -77,25 +78,31 @@ public:
         }
     }
 
-    // Moves on by some samples without looking.
-    [[gnu::noinline]] void Skip(Positions& positions, int samples) const {
-        for (int axis = 0; axis < 3; ++axis) {
-            const Floats step = AllFloats(step_[axis]);
-            Floats at[kRays / kFloatLanes];
-            for (int part = 0; part < kRays / kFloatLanes; ++part) {
-                at[part] = LoadFloats(positions.axis[axis] + part * kFloatLanes);
-            }
-            for (int sample = 0; sample < samples; ++sample) {
-                for (Floats& lanes : at)
-                    lanes += step;
-            }
-            for (int part = 0; part < kRays / kFloatLanes; ++part) {
-                Store(positions.axis[axis] + part * kFloatLanes, at[part]);
-            }
-        }
+    // Moves on by a whole stretch without looking. Only repeated additions give the positions that samples have.
+    [[gnu::noinline]] void Skip(Positions& positions) const {
+        for (int axis = 0; axis < 3; ++axis)
+            SkipOnAxis(positions.axis[axis], step_[axis]);
     }
 
 private:
+    static constexpr int kParts = kRays / kFloatLanes;
+
+    Z3D_INLINE static void SkipOnAxis(float* positions, Floats step) {
+        Floats at[kParts];
+#pragma GCC unroll kParts
+        for (int part = 0; part < kParts; ++part)
+            at[part] = LoadFloats(positions + part * kFloatLanes);
+#pragma GCC unroll 4
+        for (int sample = 0; sample < kSamples; ++sample) {
+#pragma GCC unroll kParts
+            for (int part = 0; part < kParts; ++part)
+                at[part] += step;
+        }
+#pragma GCC unroll kParts
+        for (int part = 0; part < kParts; ++part)
+            Store(positions + part * kFloatLanes, at[part]);
+    }
+
     template <bool kSmallPlane, bool kKeepPositions>
     [[gnu::noinline]] void Walk(Positions& positions, int samples, Indexes& indexes) const {
         for (int lane = 0; lane < kRays; lane += kFloatLanes) {
@@ -103,14 +110,15 @@ private:
             Floats y = LoadFloats(positions.axis[1] + lane);
             Floats z = LoadFloats(positions.axis[2] + lane);
             for (int sample = 0; sample < samples; ++sample) {
+                const Ints column = Nearest(x, 0);
+                const Ints row = Nearest(y, 1);
                 if constexpr (kSmallPlane) {
-                    const Floats plane = Nearest(y, 1) * static_cast<float>(width_) + Nearest(x, 0);
-                    Store(indexes.plane[sample] + lane, TruncateUnsigned(plane));
+                    Store(indexes.plane[sample] + lane, RowTimesWidth(row, column));
                 } else {
                     Store(indexes.plane[sample] + lane,
-                          TruncateUnsigned(Nearest(y, 1)) * width_ + TruncateUnsigned(Nearest(x, 0)));
+                          reinterpret_cast<Uints>(row) * width_ + reinterpret_cast<Uints>(column));
                 }
-                Store(indexes.z[sample] + lane, TruncateUnsigned(Nearest(z, 2)));
+                Store(indexes.z[sample] + lane, reinterpret_cast<Uints>(Nearest(z, 2)));
                 if constexpr (kKeepPositions) {
                     Store(indexes.position[0][sample] + lane, x);
                     Store(indexes.position[1][sample] + lane, y);
@@ -126,26 +134,41 @@ private:
         }
     }
 
-    // The index as a whole float.
-    Z3D_INLINE Floats Nearest(Floats coordinate, int axis) const {
-        const Floats inside = Min(Max(coordinate, AllFloats(first_[axis])), AllFloats(last_[axis]));
+    Z3D_INLINE Ints Nearest(Floats coordinate, int axis) const {
+        const Floats inside = Min(Max(coordinate, first_[axis]), last_[axis]);
 #if Z3D_VECTOR_BYTES == 64
         // Rounded toward zero, the sum with the largest float below 0.49 is exact enough to be truncated.
         const __m512 sum =
             _mm512_add_round_ps(reinterpret_cast<__m512>(inside), _mm512_set1_ps(0x1.f5c28cp-2f),
                                 _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC);
-        return reinterpret_cast<Floats>(_mm512_roundscale_ps(sum, _MM_FROUND_TO_ZERO | _MM_FROUND_NO_EXC));
+        return reinterpret_cast<Ints>(_mm512_cvttps_epi32(sum));
 #else
-        const Floats whole = ToFloats(Truncate(inside));
-        const Ints isUpper = inside - whole > kUpperPart;
-        const Floats one = AllFloats(1);
-        return whole + reinterpret_cast<Floats>(isUpper & reinterpret_cast<Ints>(one));
+        const Ints whole = Truncate(inside);
+        return whole - IsAbove(inside - ToFloats(whole), upperPart_);
 #endif
     }
 
-    float step_[3];
-    float first_[3]; // smallest and largest index that is sampled
-    float last_[3];
+    // row * width + column, for numbers below 2^15: products of the two halves of each word, added.
+    Z3D_INLINE Uints RowTimesWidth(Ints row, Ints column) const {
+        const Ints halves = row | column << 16;
+#if Z3D_VECTOR_BYTES == 64
+        return reinterpret_cast<Uints>(
+            _mm512_madd_epi16(reinterpret_cast<__m512i>(halves), reinterpret_cast<__m512i>(factors_)));
+#elif Z3D_VECTOR_BYTES == 32
+        return reinterpret_cast<Uints>(
+            _mm256_madd_epi16(reinterpret_cast<__m256i>(halves), reinterpret_cast<__m256i>(factors_)));
+#else
+        return reinterpret_cast<Uints>(
+            _mm_madd_epi16(reinterpret_cast<__m128i>(halves), reinterpret_cast<__m128i>(factors_)));
+#endif
+    }
+
+    // Whole vectors: instructions take them from memory, which leaves registers to the positions.
+    Floats step_[3];
+    Floats first_[3]; // smallest and largest index that is sampled
+    Floats last_[3];
+    Floats upperPart_;
+    Ints factors_;
     std::uint32_t width_;
     bool isSmallPlane_;
 };

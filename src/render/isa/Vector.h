@@ -65,6 +65,15 @@ Z3D_INLINE Floats Max(Floats a, Floats b) {
 #endif
 }
 
+// Where a > b, for numbers. In this form SSE2 needs no copy of b.
+Z3D_INLINE Ints IsAbove(Floats a, Floats b) {
+#if Z3D_VECTOR_BYTES == 16
+    return reinterpret_cast<Ints>(_mm_cmpnle_ps(reinterpret_cast<__m128>(a), reinterpret_cast<__m128>(b)));
+#else
+    return a > b;
+#endif
+}
+
 // Truncation; the values must lie in the range of a 32-bit integer.
 Z3D_INLINE Ints Truncate(Floats value) { return __builtin_convertvector(value, Ints); }
 Z3D_INLINE Uints TruncateUnsigned(Floats value) { return reinterpret_cast<Uints>(Truncate(value)); }
