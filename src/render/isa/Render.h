@@ -34,8 +34,7 @@ bool RenderShortcut(const ProjectionJob& job, const Rule& rule) {
 
 template <class Rule>
 SkipTable SkipTableFor(const ProjectionJob& job, const Rule& rule) {
-    return SkipTable::Make<typename Rule::Format>(job, rule.window, Rule::kMeasure, Rule::kBackToFront,
-                                                  rule.Margin());
+    return SkipTable::Make(job, rule.window, Rule::kMeasure, Rule::kBackToFront, rule.Margin());
 }
 
 template <class Rule>

@@ -137,14 +137,40 @@ Z3D_INLINE GreySample LoadRow<Grey>(const std::uint8_t* voxels, std::int32_t col
     return {value, at};
 }
 
+// The channels of sixteen voxels: 48 bytes, riffled four times. A riffle moves byte i to 2i mod 47, so four of them
+// move channel c of voxel v from 3v + c to 16c + v.
+Z3D_INLINE void SplitChannels(Bytes (&bytes)[3]) {
+    for (int riffle = 0; riffle < 4; ++riffle) {
+        const __m128i a = Raw(bytes[0]);
+        const __m128i b = Raw(bytes[1]);
+        const __m128i c = Raw(bytes[2]);
+        bytes[0] = ToBytes(_mm_unpacklo_epi8(a, _mm_unpackhi_epi64(b, b)));
+        bytes[1] = ToBytes(_mm_unpacklo_epi8(_mm_unpackhi_epi64(a, a), c));
+        bytes[2] = ToBytes(_mm_unpacklo_epi8(b, _mm_unpackhi_epi64(c, c)));
+    }
+}
+
+// The 48 bytes of sixteen RGB voxels side by side, of which `columns` exist; the last one is repeated beyond them.
+Z3D_INLINE void LoadColours(const std::uint8_t* voxels, std::int32_t columns, Bytes (&bytes)[3]) {
+    if (columns == kRays) {
+        __builtin_memcpy(&bytes, voxels, sizeof bytes);
+        return;
+    }
+    std::uint8_t filled[3 * kRays];
+    for (std::int32_t column = 0; column < kRays; ++column) {
+        const std::int32_t from = column < columns ? column : columns - 1;
+        for (int c = 0; c < 3; ++c)
+            filled[3 * column + c] = voxels[3 * from + c];
+    }
+    __builtin_memcpy(&bytes, filled, sizeof bytes);
+}
+
 template <>
 Z3D_INLINE RgbSample LoadRow<Rgb>(const std::uint8_t* voxels, std::int32_t columns, SampleIndexes at) {
-    alignas(16) std::uint32_t words[kRays];
-    for (std::int32_t ray = 0; ray < kRays; ++ray) {
-        const std::uint8_t* voxel = voxels + 3 * (ray < columns ? ray : columns - 1);
-        words[ray] = static_cast<std::uint32_t>(voxel[0] | voxel[1] << 8 | voxel[2] << 16);
-    }
-    return {{PlaneOf(words, 0), PlaneOf(words, 1), PlaneOf(words, 2)}, at};
+    Bytes channel[3];
+    LoadColours(voxels, columns, channel);
+    SplitChannels(channel);
+    return {{channel[0], channel[1], channel[2]}, at};
 }
 
 } // namespace z3d::render::Z3D_ISA

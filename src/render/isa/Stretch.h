@@ -65,7 +65,7 @@ public:
         }
         width_ = static_cast<std::uint32_t>(job.grid.width);
         upperPart_ = AllFloats(kUpperPart);
-        factors_ = static_cast<std::int32_t>(width_ | 1u << 16) - Ints{};
+        factors_ = FactorsFor(width_);
         isSmallPlane_ = job.grid.width < (1 << 15) && job.grid.height < (1 << 15);
     }
 
@@ -113,7 +113,7 @@ private:
                 const Ints column = Nearest(x, 0);
                 const Ints row = Nearest(y, 1);
                 if constexpr (kSmallPlane) {
-                    Store(indexes.plane[sample] + lane, RowTimesWidth(row, column));
+                    Store(indexes.plane[sample] + lane, RowTimesWidth(row, column, factors_));
                 } else {
                     Store(indexes.plane[sample] + lane,
                           reinterpret_cast<Uints>(row) * width_ + reinterpret_cast<Uints>(column));
@@ -145,21 +145,6 @@ private:
 #else
         const Ints whole = Truncate(inside);
         return whole - IsAbove(inside - ToFloats(whole), upperPart_);
-#endif
-    }
-
-    // row * width + column, for numbers below 2^15: products of the two halves of each word, added.
-    Z3D_INLINE Uints RowTimesWidth(Ints row, Ints column) const {
-        const Ints halves = row | column << 16;
-#if Z3D_VECTOR_BYTES == 64
-        return reinterpret_cast<Uints>(
-            _mm512_madd_epi16(reinterpret_cast<__m512i>(halves), reinterpret_cast<__m512i>(factors_)));
-#elif Z3D_VECTOR_BYTES == 32
-        return reinterpret_cast<Uints>(
-            _mm256_madd_epi16(reinterpret_cast<__m256i>(halves), reinterpret_cast<__m256i>(factors_)));
-#else
-        return reinterpret_cast<Uints>(
-            _mm_madd_epi16(reinterpret_cast<__m128i>(halves), reinterpret_cast<__m128i>(factors_)));
 #endif
     }
 

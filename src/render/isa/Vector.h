@@ -79,6 +79,25 @@ Z3D_INLINE Ints Truncate(Floats value) { return __builtin_convertvector(value, I
 Z3D_INLINE Uints TruncateUnsigned(Floats value) { return reinterpret_cast<Uints>(Truncate(value)); }
 Z3D_INLINE Floats ToFloats(Ints value) { return __builtin_convertvector(value, Floats); }
 
+// row * width + column, for numbers below 2^15: the two halves of each word are multiplied by those of the factors,
+// and the products added.
+Z3D_INLINE Ints FactorsFor(std::uint32_t width) {
+    return static_cast<std::int32_t>(width | 1u << 16) - Ints{};
+}
+Z3D_INLINE Uints RowTimesWidth(Ints row, Ints column, Ints factors) {
+    const Ints halves = row | column << 16;
+#if Z3D_VECTOR_BYTES == 64
+    return reinterpret_cast<Uints>(
+        _mm512_madd_epi16(reinterpret_cast<__m512i>(halves), reinterpret_cast<__m512i>(factors)));
+#elif Z3D_VECTOR_BYTES == 32
+    return reinterpret_cast<Uints>(
+        _mm256_madd_epi16(reinterpret_cast<__m256i>(halves), reinterpret_cast<__m256i>(factors)));
+#else
+    return reinterpret_cast<Uints>(
+        _mm_madd_epi16(reinterpret_cast<__m128i>(halves), reinterpret_cast<__m128i>(factors)));
+#endif
+}
+
 // The value after a round trip through single precision.
 Z3D_INLINE Doubles RoundToSingle(Doubles value) {
 #if Z3D_VECTOR_BYTES == 64

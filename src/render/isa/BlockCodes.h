@@ -1,0 +1,241 @@
+// What a block of 2 x 2 x 2 voxels can contribute, as one byte: 0 when no voxel of it lies in the window, else one
+// more than its largest measure (255 stands for 254 and 255). A code may be too large, never too small.
+#pragma once
+
+#include "render/isa/Samples.h"
+
+#include <cstddef>
+
+namespace z3d::render::Z3D_ISA {
+
+// Coders take the rows of voxels of a block one after another, sixteen columns at a time.
+
+// Grey, any window: each voxel is tested.
+class GreyCoder {
+public:
+    GreyCoder(const GreyWindow& window, Measure measure) : window_(window), measure_(measure) {}
+    using State = Bytes; // largest code
+    Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
+        const GreySample sample = LoadRow<Grey>(row, columns, {});
+        const Bytes value = measure_ == Measure::Smallness ? ~sample.value : sample.value;
+        return window_.Accepts(sample) & ToBytes(_mm_adds_epu8(Raw(value), _mm_set1_epi8(1)));
+    }
+    Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
+        state = Larger(state, First(row, columns));
+    }
+    Z3D_INLINE Bytes Code(State state) const { return state; }
+
+private:
+    const GreyWindow& window_;
+    const Measure measure_;
+};
+
+// Grey where the extreme voxel of a block tells it all: the largest value of a window without an upper end, the
+// smallest of one without a lower end, or, for presence, the value that is least above the window's lower end.
+template <bool kLargest>
+class GreyExtremeCoder {
+public:
+    GreyExtremeCoder(const GreyWindow& window, Measure measure)
+        : window_(window),
+          isPresence_(measure == Measure::Presence),
+          shift_(AllBytes(isPresence_ ? static_cast<std::uint8_t>(window.Range().first) : 0)) {}
+    static bool Fits(const GreyWindow& window, Measure measure) {
+        if (kLargest) return measure == Measure::Largeness && window.Range().last == kLargestGrey;
+        return measure == Measure::Presence || (measure == Measure::Smallness && window.Range().first == 0);
+    }
+    using State = Bytes;
+    Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
+        return LoadRow<Grey>(row, columns, {}).value - shift_;
+    }
+    Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
+        const Bytes value = First(row, columns);
+        state = kLargest ? Larger(state, value) : Smaller(state, value);
+    }
+    Z3D_INLINE Bytes Code(State state) const {
+        const Bytes accepted = window_.Accepts({state + shift_, {}});
+        if (isPresence_) return accepted;
+        return accepted & ToBytes(_mm_adds_epu8(Raw(kLargest ? state : ~state), _mm_set1_epi8(1)));
+    }
+
+private:
+    const GreyWindow& window_;
+    const bool isPresence_;
+    const Bytes shift_;
+};
+
+// RGB: the extremes of each channel over the block bound its sums and its measure.
+class RgbCoder {
+public:
+    RgbCoder(const RgbWindow& window, Measure measure)
+        : first_(_mm_set1_epi16(static_cast<short>(window.Range().first))),
+          last_(_mm_set1_epi16(static_cast<short>(window.Range().last))),
+          measure_(measure) {}
+    struct State {
+        Bytes largest[3]; // of the bytes as they lie, channel after channel
+        Bytes smallest[3];
+    };
+    Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
+        State state;
+        LoadColours(row, columns, state.largest);
+        for (int part = 0; part < 3; ++part)
+            state.smallest[part] = state.largest[part];
+        return state;
+    }
+    Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
+        Bytes bytes[3];
+        LoadColours(row, columns, bytes);
+        for (int part = 0; part < 3; ++part) {
+            state.largest[part] = Larger(state.largest[part], bytes[part]);
+            state.smallest[part] = Smaller(state.smallest[part], bytes[part]);
+        }
+    }
+    Z3D_INLINE Bytes Code(State state) const {
+        SplitChannels(state.largest);
+        SplitChannels(state.smallest);
+        const RgbSample most = {{state.largest[0], state.largest[1], state.largest[2]}, {}};
+        const RgbSample least = {{state.smallest[0], state.smallest[1], state.smallest[2]}, {}};
+        const Sums high = most.Sum();
+        const Sums low = least.Sum();
+        const Bytes isOutside =
+            ToBytes(_mm_packs_epi16(IsOutside(high.low, low.low), IsOutside(high.high, low.high)));
+        Bytes value = AllBytes(255);
+        if (measure_ == Measure::Largeness)
+            value = Larger(Larger(most.channel[0], most.channel[1]), most.channel[2]);
+        if (measure_ == Measure::Smallness)
+            value = ~Smaller(Smaller(least.channel[0], least.channel[1]), least.channel[2]);
+        return ToBytes(_mm_adds_epu8(Raw(value), _mm_set1_epi8(1))) & ~isOutside;
+    }
+
+private:
+    Z3D_INLINE __m128i IsOutside(__m128i largestSum, __m128i smallestSum) const {
+        return _mm_or_si128(_mm_cmpgt_epi16(first_, largestSum), _mm_cmpgt_epi16(smallestSum, last_));
+    }
+    const __m128i first_;
+    const __m128i last_;
+    const Measure measure_;
+};
+
+// Codes of all blocks of a volume, into rows of bytes that leave one border block all round (see SkipExtent).
+class BlockCodes {
+public:
+    BlockCodes(const VoxelGrid& grid, std::int32_t margin, const SkipExtent& extent, std::uint8_t* codes)
+        : grid_(grid), margin_(margin), extent_(extent), codes_(codes) {}
+
+    void Fill(const GreyWindow& window, Measure measure) const {
+        if (GreyExtremeCoder<true>::Fits(window, measure)) {
+            FillWith<Grey>(GreyExtremeCoder<true>(window, measure));
+        } else if (GreyExtremeCoder<false>::Fits(window, measure)) {
+            FillWith<Grey>(GreyExtremeCoder<false>(window, measure));
+        } else {
+            FillWith<Grey>(GreyCoder(window, measure));
+        }
+    }
+    void Fill(const RgbWindow& window, Measure measure) const { FillWith<Rgb>(RgbCoder(window, measure)); }
+
+private:
+    struct Span {
+        std::int32_t first;
+        std::int32_t last;
+    };
+
+    template <class Format, class Coder>
+    [[gnu::noinline]] void FillWith(const Coder& coder) const {
+        const std::int32_t blocksY = (grid_.height + 1) / 2;
+        const std::int32_t blocksZ = (grid_.depth + 1) / 2;
+        for (std::int32_t bz = 0; bz < blocksZ; ++bz) {
+            const Span z = RowsOf(bz, grid_.depth);
+            for (std::int32_t by = 0; by < blocksY; ++by) {
+                std::uint8_t* to = codes_ + static_cast<std::size_t>(bz + 1) * extent_.slab
+                                   + static_cast<std::size_t>(by + 1) * extent_.stride + 1;
+                const Span y = RowsOf(by, grid_.height);
+                // At most three by three rows of voxels, where a margin widens a block.
+                const std::uint8_t* row[9];
+                int rows = 0;
+                for (std::int32_t vz = z.first; vz <= z.last; ++vz) {
+                    for (std::int32_t vy = y.first; vy <= y.last; ++vy)
+                        row[rows++] = grid_.At<Format::kBytes>(0, vy, vz);
+                }
+                FillRow<Format>(coder, row, rows, to);
+            }
+        }
+        RepeatBorders();
+    }
+
+    template <class Format, class Coder>
+    Z3D_INLINE void FillRow(const Coder& coder, const std::uint8_t* const* row, int rows,
+                            std::uint8_t* to) const {
+        const std::int32_t width = grid_.width;
+        std::int32_t x = 0;
+        if (rows == 4) {
+            for (; x + kRays <= width; x += kRays) {
+                const std::size_t offset = static_cast<std::size_t>(x) * Format::kBytes;
+                typename Coder::State state = coder.First(row[0] + offset, kRays);
+                for (int index = 1; index < 4; ++index)
+                    coder.Add(state, row[index] + offset, kRays);
+                StorePairs(to + x / 2, coder.Code(state));
+            }
+        } else {
+            for (; x + kRays <= width; x += kRays)
+                StorePairs(to + x / 2, CodeAt<Format>(coder, row, rows, x, kRays));
+        }
+        if (x < width) StorePairs(to + x / 2, CodeAt<Format>(coder, row, rows, x, width - x));
+        if (margin_ > 0 && width > 1) {
+            // The last column stands for the one before it too.
+            const Bytes before = CodeAt<Format>(coder, row, rows, width - 2, 1);
+            std::uint8_t& last = to[(width - 1) / 2];
+            last = before[0] > last ? before[0] : last;
+        }
+    }
+
+    template <class Format, class Coder>
+    [[gnu::noinline]] static Bytes CodeAt(const Coder& coder, const std::uint8_t* const* row, int rows,
+                                          std::int32_t x, std::int32_t columns) {
+        const std::size_t offset = static_cast<std::size_t>(x) * Format::kBytes;
+        typename Coder::State state = coder.First(row[0] + offset, columns);
+        for (int index = 1; index < rows; ++index)
+            coder.Add(state, row[index] + offset, columns);
+        return coder.Code(state);
+    }
+
+    // The larger of each two neighbouring columns.
+    Z3D_INLINE static void StorePairs(std::uint8_t* to, Bytes code) {
+        const __m128i odd = _mm_srli_epi16(Raw(code), 8);
+        const __m128i even = _mm_and_si128(Raw(code), _mm_set1_epi16(0xFF));
+        const __m128i pairs = _mm_max_epi16(odd, even);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to), _mm_packus_epi16(pairs, pairs));
+    }
+
+    // The rows (or slices) of a block. With a margin the last block also stands for the row before it, which is
+    // sampled in place of the border.
+    Span RowsOf(std::int32_t block, std::int32_t size) const {
+        Span span = {2 * block, 2 * block + 1 < size ? 2 * block + 1 : size - 1};
+        if (span.last == size - 1) {
+            span.first -= margin_;
+            if (span.first < 0) span.first = 0;
+        }
+        return span;
+    }
+
+    // Before the first and behind the last block of a row, the nearest block repeats.
+    void RepeatBorders() const {
+        const std::size_t blocksX = static_cast<std::size_t>(grid_.width + 1) / 2;
+        const std::int32_t lastY = (grid_.height + 1) / 2;
+        const std::int32_t lastZ = (grid_.depth + 1) / 2;
+        for (std::int32_t z = 1; z <= lastZ; ++z) {
+            for (std::int32_t y = 1; y <= lastY; ++y) {
+                std::uint8_t* row = codes_ + static_cast<std::size_t>(z) * extent_.slab
+                                    + static_cast<std::size_t>(y) * extent_.stride;
+                __builtin_memset(row - SkipExtent::kReach, row[1], SkipExtent::kReach + 1);
+                __builtin_memset(row + blocksX + 1, row[blocksX],
+                                 extent_.stride - SkipExtent::kReach - blocksX - 1);
+            }
+        }
+    }
+
+    const VoxelGrid& grid_;
+    const std::int32_t margin_;
+    const SkipExtent& extent_;
+    std::uint8_t* const codes_;
+};
+
+} // namespace z3d::render::Z3D_ISA
