@@ -4,14 +4,12 @@
 
 #include "reference/ReferenceRenderer.h"
 #include "support/RandomSource.h"
+#include "support/Turns.h"
 
-#include <array>
 #include <cstdint>
 #include <string>
 
 namespace z3d::test {
-
-using Rotation = std::array<float, 9>;
 
 inline constexpr Rotation kIdentity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 

@@ -1,4 +1,5 @@
 #include "support/RandomRequests.h"
+#include "support/Turns.h"
 
 #include <cmath>
 #include <limits>
@@ -6,42 +7,6 @@
 namespace z3d::test {
 
 namespace {
-
-using DoubleMatrix = std::array<double, 9>;
-
-struct Angle {
-    double cosine;
-    double sine;
-};
-
-Rotation Rounded(const DoubleMatrix& matrix) {
-    Rotation rotation = {};
-    for (std::size_t i = 0; i < 9; ++i) {
-        rotation[i] = static_cast<float>(matrix[i]);
-    }
-    return rotation;
-}
-
-DoubleMatrix Product(const DoubleMatrix& a, const DoubleMatrix& b) {
-    DoubleMatrix product = {};
-    for (std::size_t r = 0; r < 3; ++r) {
-        for (std::size_t c = 0; c < 3; ++c) {
-            product[3 * r + c] = a[3 * r] * b[c] + a[3 * r + 1] * b[3 + c] + a[3 * r + 2] * b[6 + c];
-        }
-    }
-    return product;
-}
-
-DoubleMatrix AboutAxis(int axis, const Angle& angle) {
-    const double c = angle.cosine;
-    const double s = angle.sine;
-    if (axis == 0) return {1, 0, 0, 0, c, -s, 0, s, c};
-    if (axis == 1) return {c, 0, s, 0, 1, 0, -s, 0, c};
-    return {c, -s, 0, s, c, 0, 0, 0, 1};
-}
-
-// From the tangent of half the angle: exact quotients instead of sines.
-Angle FromHalfTangent(double t) { return {(1.0 - t * t) / (1.0 + t * t), 2.0 * t / (1.0 + t * t)}; }
 
 Rotation ExactQuarterTurn(RandomSource& random) {
     static constexpr std::array<std::array<std::size_t, 3>, 6> kOrders = {
@@ -59,7 +24,7 @@ Rotation RoundedQuarterTurn(RandomSource& random) {
     static constexpr std::array<double, 3> kCosines = {6.123233995736766e-17, -4.371139000186241e-08,
                                                        1.6155445744325867e-15};
     const Angle quarter = {kCosines[static_cast<std::size_t>(random.Below(3))], 1.0};
-    DoubleMatrix rotation = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+    DoubleMatrix rotation = kNoTurn;
     for (int axis = 0; axis < 3; ++axis) {
         for (int turns = random.Below(4); turns > 0; --turns) {
             rotation = Product(AboutAxis(axis, quarter), rotation);
@@ -82,7 +47,7 @@ Rotation EighthTurn(RandomSource& random) {
 
 Rotation TinyAngle(RandomSource& random) {
     static constexpr std::array<double, 4> kScales = {1e-7, 1e-6, 1e-5, 1e-4};
-    DoubleMatrix rotation = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+    DoubleMatrix rotation = kNoTurn;
     for (int axis = 0; axis < 3; ++axis) {
         const double scale = kScales[static_cast<std::size_t>(random.Below(4))];
         const double size = scale * random.Within(1.0, 10.0);

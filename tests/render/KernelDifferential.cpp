@@ -1,0 +1,80 @@
+#include "render/KernelDifferential.h"
+
+#include "reference/ReferenceRay.h"
+#include "render/InstructionSet.h"
+#include "support/ProductRenderer.h"
+#include "support/SameBits.h"
+
+#include <bit>
+
+namespace z3d::test {
+
+std::ostream& operator<<(std::ostream& out, const KernelCase& kernel) { return out << kernel.name; }
+
+std::vector<KernelCase> AllKernels() {
+    return {{"MaxGrey", 0, 0, 1},      {"MinGrey", 1, 0, 1},       {"SumGrey", 2, 0, 1},
+            {"SurfaceGrey", 3, 0, 1},  {"LayersGrey", 3, 0.5f, 1}, {"BlendGrey", 4, 0.5f, 1},
+            {"ContrastGrey", 5, 0, 1}, {"FirstHitGrey", 6, 0, 1},  {"MaxRgb", 0, 0, 3},
+            {"MinRgb", 1, 0, 3},       {"SumRgb", 2, 0, 3},        {"SurfaceRgb", 3, 0, 3},
+            {"LayersRgb", 3, 0.5f, 3}, {"BlendRgb", 4, 0.5f, 3},   {"ContrastRgb", 5, 0, 3},
+            {"FirstHitRgb", 6, 0, 3}};
+}
+
+RayCount CountRays(const reference::Volume& volume, const reference::Request& request) {
+    RayCount rays = {0, 0};
+    const auto frame = reference::BuildFrame(volume, request);
+    for (int j = 0; j < frame->outputSize[1]; ++j) {
+        for (int i = 0; i < frame->outputSize[0]; ++i) {
+            const auto ray = reference::TraceRay(*frame, i, j);
+            if (!ray) continue;
+            rays.samples += ray->lastDepth - ray->firstDepth + 1;
+            rays.single += ray->lastDepth == ray->firstDepth;
+        }
+    }
+    return rays;
+}
+
+::testing::AssertionResult ComparedVolume::IsRenderedAlike(const reference::Request& request) const {
+    const reference::Projection expected = reference::Render(plain_, request);
+    ::testing::AssertionResult result = ::testing::AssertionSuccess();
+    for (const render::InstructionSet set : render::kInstructionSets) {
+        if (set > render::BestInstructionSet()) continue;
+        render::ForceInstructionSet(set);
+        result = SameBits(expected, RenderProduct(host_.Get(), request));
+        if (result) continue;
+        result << "\ninstruction set " << static_cast<int>(set) << ", " << Describe(request) << "\n"
+               << Describe(plain_);
+        break;
+    }
+    render::ForceInstructionSet(render::BestInstructionSet());
+    return result;
+}
+
+reference::Request KernelDifferential::ViewOf(const reference::Volume& volume, const Rotation& rotation) {
+    return ViewOf(volume, rotation, -1.0f, 766.0f);
+}
+
+reference::Request KernelDifferential::ViewOf(const reference::Volume& volume, const Rotation& rotation,
+                                              float low, float high) {
+    reference::Request request = PlainRequest(volume, GetParam().mode, rotation);
+    request.low = low;
+    request.high = high;
+    request.extraBits = std::bit_cast<std::uint32_t>(GetParam().extra);
+    return request;
+}
+
+void KernelDifferential::SetVoxel(reference::Volume& volume, int x, int y, int z, const Colour& colour) {
+    for (int channel = 0; channel < volume.bytesPerVoxel; ++channel) {
+        VoxelByte(volume, x, y, z, channel) =
+            static_cast<std::uint8_t>(colour[static_cast<std::size_t>(channel)]);
+    }
+}
+
+void KernelDifferential::Fill(reference::Volume& volume, const Colour& colour) {
+    for (std::size_t byte = 0; byte < volume.voxels.size(); ++byte) {
+        const std::size_t channel = byte % static_cast<std::size_t>(volume.bytesPerVoxel);
+        volume.voxels[byte] = static_cast<std::uint8_t>(colour[channel]);
+    }
+}
+
+} // namespace z3d::test

@@ -1,0 +1,126 @@
+// Axes of thousands of voxels: positions are sums of thousands of rounded steps and drift from where they would be
+// exactly, indexes pass 15 bits, and a slice or a row is far larger than a stretch.
+#include "render/KernelDifferential.h"
+
+#include <memory>
+
+namespace {
+
+using namespace z3d;
+using namespace z3d::test;
+
+class LongAxes : public KernelDifferential {
+protected:
+    // Dim noise with a few bright voxels, `sides` being those of the long axis and of the next two.
+    static reference::Volume LongVolume(int axis, const std::array<int, 3>& sides, int brightVoxels,
+                                        RandomSource& random) {
+        std::array<int, 3> size = {};
+        for (std::size_t index = 0; index < 3; ++index)
+            size[(static_cast<std::size_t>(axis) + index) % 3] = sides[index];
+        reference::Volume volume = EmptyVolume(Size(size[0], size[1], size[2]));
+        for (std::uint8_t& byte : volume.voxels) {
+            if (random.Chance(40)) byte = static_cast<std::uint8_t>(random.Between(1, 9));
+        }
+        for (int voxel = 0; voxel < brightVoxels; ++voxel) {
+            SetVoxel(volume, random.Below(size[0]), random.Below(size[1]), random.Below(size[2]),
+                     {random.Between(10, 255), random.Between(0, 255), random.Between(0, 255)});
+        }
+        return volume;
+    }
+
+    static Rotation Tilted(const DoubleMatrix& view, int axis, double degrees) {
+        return Rounded(Product(AboutAxis(axis, SmallAngle(degrees)), view));
+    }
+
+    // Volumes of more voxels on an axis than crop bounds can name. Made once for all kernels of a format: blocks of
+    // memory for tens of thousands of slices take longer than many projections.
+    static const ComparedVolume& HugeVolume(int axis) {
+        auto& volume = hugeVolumes_[static_cast<std::size_t>(axis)];
+        if (volume && volume->Plain().bytesPerVoxel != BytesPerVoxel()) {
+            for (auto& other : hugeVolumes_)
+                other.reset();
+        }
+        if (!volume) {
+            RandomSource random(static_cast<std::uint32_t>(axis));
+            volume = std::make_unique<ComparedVolume>(LongVolume(axis, {40000, 2, 3}, 40, random));
+        }
+        return *volume;
+    }
+    static void TearDownTestSuite() {
+        for (auto& volume : hugeVolumes_)
+            volume.reset();
+    }
+
+    // A small tilt whose size is spread over its magnitudes.
+    static double RandomTilt(RandomSource& random, double largest) {
+        double degrees = largest * random.Within(0.1, 1.0);
+        for (int tenths = random.Below(5); tenths > 0; --tenths)
+            degrees *= 0.1;
+        return random.Chance(2) ? degrees : -degrees;
+    }
+
+    static void ExpectAlikeAlong(int axis, const std::array<int, 3>& sides, std::uint32_t seed) {
+        RandomSource random(seed);
+        const ComparedVolume compared(LongVolume(axis, sides, 30, random));
+        for (int index = 0; index < 24; ++index) {
+            const DoubleMatrix along = LookingAlong(axis, random.Chance(2));
+            const double degrees = RandomTilt(random, index % 4 == 0 ? 20.0 : 0.3);
+            const Rotation view = Tilted(along, random.Below(3), degrees);
+            const bool isNarrow = random.Chance(3);
+            ASSERT_TRUE(compared.IsRenderedAlike(isNarrow ? ViewOf(compared.Plain(), view, 9.5f, 200.0f)
+                                                          : ViewOf(compared.Plain(), view)))
+                << "axis " << axis << ", view " << index;
+        }
+    }
+
+private:
+    static inline std::array<std::unique_ptr<const ComparedVolume>, 3> hugeVolumes_;
+};
+
+TEST_P(LongAxes, RaysAlongMoreThanAThousandVoxels) {
+    for (int axis = 0; axis < 3; ++axis) {
+        ASSERT_NO_FATAL_FAILURE(ExpectAlikeAlong(axis, {1500, 3, 3}, 1));
+        ASSERT_NO_FATAL_FAILURE(ExpectAlikeAlong(axis, {2100, 5, 4}, 2));
+    }
+}
+
+// The long axis lies across the view, so that positions start far from 0 and move slowly or not at all.
+TEST_P(LongAxes, RaysAcrossMoreThanAThousandVoxels) {
+    RandomSource random(3);
+    for (int axis = 0; axis < 3; ++axis) {
+        const ComparedVolume compared(LongVolume(axis, {1500, 3, 3}, 200, random));
+        for (int index = 0; index < 10; ++index) {
+            const DoubleMatrix across = LookingAlong((axis + 1 + index % 2) % 3, random.Chance(2));
+            const Rotation view = Tilted(across, random.Below(3), RandomTilt(random, 1.0));
+            ASSERT_TRUE(compared.IsRenderedAlike(ViewOf(compared.Plain(), view)))
+                << "axis " << axis << ", view " << index;
+        }
+    }
+}
+
+// Crop bounds are 16-bit and signed: no crop reaches the last voxels, apart from the sample past its end.
+TEST_P(LongAxes, OfMoreVoxelsThanCropBoundsCanName) {
+    RandomSource random(4);
+    for (int axis = 0; axis < 3; ++axis) {
+        const ComparedVolume& compared = HugeVolume(axis);
+        const DoubleMatrix along = LookingAlong(axis, random.Chance(2));
+        const DoubleMatrix across = LookingAlong((axis + 1) % 3, random.Chance(2));
+        for (const Rotation& view :
+             {Rounded(along), Tilted(along, random.Below(2), RandomTilt(random, 0.01)), Rounded(across)}) {
+            reference::Request request = ViewOf(compared.Plain(), view);
+            request.x0 = request.y0 = request.z0 = -32768;
+            request.x1 = request.y1 = request.z1 = 32767;
+            ASSERT_TRUE(compared.IsRenderedAlike(request)) << "axis " << axis;
+            request.x0 = request.y0 = request.z0 = 1;
+            if (axis == 0) request.x0 = 32700;
+            if (axis == 1) request.y0 = 32700;
+            if (axis == 2) request.z0 = 32700;
+            ASSERT_TRUE(compared.IsRenderedAlike(request)) << "axis " << axis;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllKernels, LongAxes, ::testing::ValuesIn(AllKernels()),
+                         ::testing::PrintToStringParamName());
+
+} // namespace

@@ -1,0 +1,101 @@
+// Rays of exactly one sample: where a first sample is also the last one, and where the grey maximum's extra sample
+// makes two of it.
+#include "render/KernelDifferential.h"
+
+namespace {
+
+using namespace z3d;
+using namespace z3d::test;
+
+class OneSampleRays : public KernelDifferential {
+protected:
+    static void SetCrop(reference::Request& request, const std::array<int, 6>& crop) {
+        request.x0 = static_cast<std::int16_t>(crop[0]);
+        request.x1 = static_cast<std::int16_t>(crop[1]);
+        request.y0 = static_cast<std::int16_t>(crop[2]);
+        request.y1 = static_cast<std::int16_t>(crop[3]);
+        request.z0 = static_cast<std::int16_t>(crop[4]);
+        request.z1 = static_cast<std::int16_t>(crop[5]);
+    }
+
+    static Rotation EighthTurn(int axis, int second) {
+        constexpr Angle kEighth = {0.7071067811865476, 0.7071067811865476};
+        const DoubleMatrix turned = AboutAxis(axis, kEighth);
+        return Rounded(second < 0 ? turned : Product(AboutAxis(second, kEighth), turned));
+    }
+};
+
+TEST_P(OneSampleRays, OneVoxelOfTheCrop) {
+    RandomSource random(1);
+    const ComparedVolume compared(NoiseVolume(Size(18, 17, 19), 1));
+    int singles = 0;
+    for (int index = 0; index < 60; ++index) {
+        reference::Request request = ViewOf(
+            compared.Plain(), RandomRotation(random, static_cast<RotationKind>(index % kRotationKinds)));
+        const int x = random.Between(1, 18);
+        const int y = random.Between(1, 17);
+        const int z = random.Between(1, 19);
+        SetCrop(request, {x, x, y, y, z, z});
+        ASSERT_TRUE(compared.IsRenderedAlike(request));
+        singles += CountRays(compared.Plain(), request).single;
+    }
+    EXPECT_GT(singles, 10);
+}
+
+TEST_P(OneSampleRays, OneSliceOfTheCropOnEachAxis) {
+    RandomSource random(2);
+    const ComparedVolume compared(NoiseVolume(Size(17, 18, 19), 2));
+    int singles = 0;
+    for (int index = 0; index < 90; ++index) {
+        const int axis = index % 3;
+        const DoubleMatrix along = LookingAlong(axis, random.Chance(2));
+        const DoubleMatrix tilt = AboutAxis(random.Below(3), SmallAngle(random.Within(-3.0, 3.0)));
+        reference::Request request =
+            ViewOf(compared.Plain(), Rounded(random.Chance(3) ? along : Product(tilt, along)));
+        std::array<int, 6> crop = {1, 17, 1, 18, 1, 19};
+        const auto first = static_cast<std::size_t>(2 * axis);
+        crop[first] = crop[first + 1] = random.Between(1, 17);
+        SetCrop(request, crop);
+        ASSERT_TRUE(compared.IsRenderedAlike(request));
+        singles += CountRays(compared.Plain(), request).single;
+    }
+    EXPECT_GT(singles, 1000);
+}
+
+TEST_P(OneSampleRays, VolumesOfOneSlice) {
+    RandomSource random(3);
+    const std::array<VolumeSize, 6> sizes = {Size(1, 21, 18), Size(19, 1, 20), Size(21, 18, 1),
+                                             Size(1, 1, 23),  Size(22, 1, 1),  Size(1, 1, 1)};
+    int singles = 0;
+    for (std::size_t index = 0; index < 60; ++index) {
+        const ComparedVolume compared(NoiseVolume(sizes[index % sizes.size()], 3));
+        const auto kind = static_cast<RotationKind>(random.Below(kRotationKinds));
+        const reference::Request request = ViewOf(compared.Plain(), RandomRotation(random, kind));
+        ASSERT_TRUE(compared.IsRenderedAlike(request));
+        singles += CountRays(compared.Plain(), request).single;
+    }
+    EXPECT_GT(singles, 1000);
+}
+
+// Turned by 45 degrees, the outermost rays touch edges and corners of the crop box.
+TEST_P(OneSampleRays, GrazedEdgesAndCorners) {
+    int singles = 0;
+    for (const int side : {2, 3, 5, 16, 17}) {
+        const ComparedVolume compared(NoiseVolume(Size(side, side, side), 4));
+        for (int axis = 0; axis < 3; ++axis) {
+            for (int second = -1; second < 3; ++second) {
+                reference::Request request = ViewOf(compared.Plain(), EighthTurn(axis, second));
+                ASSERT_TRUE(compared.IsRenderedAlike(request));
+                singles += CountRays(compared.Plain(), request).single;
+                SetCrop(request, {1, side, 2, side - 1, 1, side});
+                ASSERT_TRUE(compared.IsRenderedAlike(request));
+            }
+        }
+    }
+    EXPECT_GT(singles, 40);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllKernels, OneSampleRays, ::testing::ValuesIn(AllKernels()),
+                         ::testing::PrintToStringParamName());
+
+} // namespace

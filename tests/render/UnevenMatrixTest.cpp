@@ -1,0 +1,94 @@
+// Matrices that are not quite rotations, or not at all: hosts accumulate roundings, mirror and zoom.
+#include "render/KernelDifferential.h"
+
+#include <cmath>
+
+namespace {
+
+using namespace z3d;
+using namespace z3d::test;
+
+class UnevenMatrices : public KernelDifferential {
+protected:
+    static Rotation RandomView(RandomSource& random) {
+        static constexpr std::array<RotationKind, 5> kKinds = {
+            RotationKind::Identity, RotationKind::ExactQuarterTurn, RotationKind::OneAxis,
+            RotationKind::TinyAngle, RotationKind::Uniform};
+        return RandomRotation(random, kKinds[static_cast<std::size_t>(random.Below(5))]);
+    }
+
+    static void ExpectAlike(const ComparedVolume& compared, const Rotation& rotation, RandomSource& random) {
+        reference::Request request = ViewOf(compared.Plain(), rotation);
+        ASSERT_TRUE(compared.IsRenderedAlike(request));
+        const Crop crop = RandomCrop(random, CropKind::Inside, compared.Plain());
+        request.x0 = crop.x0;
+        request.x1 = crop.x1;
+        request.y0 = crop.y0;
+        request.y1 = crop.y1;
+        ASSERT_TRUE(compared.IsRenderedAlike(request));
+    }
+};
+
+TEST_P(UnevenMatrices, OffByAMillionthToAHundredth) {
+    RandomSource random(1);
+    const ComparedVolume compared(RandomVolume(random, Size(19, 17, 16)));
+    for (const double error : {1e-7, 1e-6, 1e-5, 1e-4, 1e-3, 1e-2}) {
+        for (int index = 0; index < 8; ++index) {
+            Rotation rotation = RandomView(random);
+            for (float& element : rotation) {
+                if (random.Chance(2)) continue;
+                // Relative, so that exact zeros stay; or absolute.
+                const double scale = random.Chance(2) ? element : 1.0;
+                element = static_cast<float>(element + scale * random.Within(-error, error));
+            }
+            ASSERT_NO_FATAL_FAILURE(ExpectAlike(compared, rotation, random)) << "error " << error;
+        }
+    }
+}
+
+TEST_P(UnevenMatrices, Mirrored) {
+    RandomSource random(2);
+    const ComparedVolume compared(RandomVolume(random, Size(17, 18, 15)));
+    for (int index = 0; index < 35; ++index) {
+        Rotation rotation = RandomView(random);
+        const int rows = random.Between(1, 7);
+        for (std::size_t element = 0; element < 9; ++element) {
+            if ((rows >> (element / 3) & 1) != 0) rotation[element] = -rotation[element];
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectAlike(compared, rotation, random)) << "index " << index;
+    }
+}
+
+// 1.03125 is the longest step for which stretches are bounded.
+TEST_P(UnevenMatrices, Zoomed) {
+    RandomSource random(3);
+    const ComparedVolume compared(RandomVolume(random, Size(18, 16, 17)));
+    for (const float zoom : {0.01f, 0.5f, 0.96875f, 1.03125f, 1.0312501f, 1.5f, 2.0f}) {
+        for (int index = 0; index < 5; ++index) {
+            Rotation rotation = RandomView(random);
+            const std::size_t row = static_cast<std::size_t>(random.Below(4));
+            for (std::size_t element = 0; element < 9; ++element) {
+                // One row, or all of them.
+                if (row == 3 || element / 3 == row) rotation[element] *= zoom;
+            }
+            ASSERT_NO_FATAL_FAILURE(ExpectAlike(compared, rotation, random)) << "zoom " << zoom;
+        }
+    }
+}
+
+// Columns of pixels stay columns of voxels, whatever happens to y and z.
+TEST_P(UnevenMatrices, ShearedAcrossX) {
+    RandomSource random(4);
+    for (int index = 0; index < 25; ++index) {
+        const ComparedVolume compared(RandomVolume(random, Size(random.Between(1, 20), 9, 12)));
+        Rotation rotation = kIdentity;
+        for (const std::size_t element : {std::size_t{4}, std::size_t{5}, std::size_t{7}, std::size_t{8}})
+            rotation[element] = static_cast<float>(random.Within(-1.3, 1.3));
+        ASSERT_NO_FATAL_FAILURE(ExpectAlike(compared, rotation, random)) << "index " << index;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(AllKernels, UnevenMatrices, ::testing::ValuesIn(AllKernels()),
+                         ::testing::PrintToStringParamName());
+
+} // namespace
