@@ -1,0 +1,152 @@
+// Nothing is read or written beside the memory that a projection is given: each slice, the table of slices, the
+// pixels and all scratch lie directly before or behind pages that cannot be accessed.
+#include "render/InstructionSet.h"
+#include "render/KernelDifferential.h"
+#include "render/Modes.h"
+#include "render/ProjectionJob.h"
+#include "render/ProjectionRenderer.h"
+#include "support/GuardedBytes.h"
+#include "support/ProductRenderer.h"
+#include "support/SameBits.h"
+
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+using namespace z3d;
+using namespace z3d::test;
+
+// The slices of a volume, each in guarded memory of its own.
+class GuardedSlices {
+public:
+    GuardedSlices(const reference::Volume& volume, GuardedEnd end)
+        : addresses_(static_cast<std::size_t>(volume.depth) * sizeof(std::uint8_t*), end) {
+        const std::size_t bytes = volume.voxels.size() / static_cast<std::size_t>(volume.depth);
+        for (std::size_t z = 0; z < static_cast<std::size_t>(volume.depth); ++z) {
+            const GuardedBytes& slice = slices_.emplace_back(bytes, end);
+            std::memcpy(slice.As<std::uint8_t>(), volume.voxels.data() + z * bytes, bytes);
+            addresses_.As<const std::uint8_t*>()[z] = slice.As<std::uint8_t>();
+        }
+    }
+    const std::uint8_t* const* Get() const { return addresses_.As<const std::uint8_t*>(); }
+
+private:
+    std::vector<GuardedBytes> slices_;
+    GuardedBytes addresses_;
+};
+
+struct GuardedRun {
+    render::Kernel* kernel;
+    const std::uint8_t* const* slices;
+    GuardedEnd end;
+};
+GuardedRun run;
+
+// A kernel that hands the product's kernel the same job in guarded memory.
+void RunGuarded(const render::ProjectionJob& job) {
+    const render::RayGeometry& geometry = job.geometry;
+    const std::size_t pixelBytes = std::size_t{12} * static_cast<std::size_t>(geometry.outputWidth)
+                                   * static_cast<std::size_t>(geometry.outputHeight);
+    const GuardedBytes pixels(pixelBytes, run.end);
+    const GuardedBytes rowScratch(4 * render::RowScratchInts(geometry.outputWidth), run.end);
+    const GuardedBytes stripScratch(render::StripScratchBytes(geometry.outputWidth), run.end);
+    const GuardedBytes rayRows(sizeof(render::RayRow) * (static_cast<std::size_t>(geometry.outputDepth) + 1),
+                               run.end);
+    const GuardedBytes skipMemory(render::SkipTableBytes(job.grid), run.end);
+
+    render::ProjectionJob guarded = job;
+    guarded.grid.slices = run.slices;
+    guarded.pixels = pixels.As<float>();
+    guarded.rowScratch = rowScratch.As<std::int32_t>();
+    guarded.stripScratch = stripScratch.As<std::uint8_t>();
+    guarded.rayRows = rayRows.As<render::RayRow>();
+    guarded.skipMemory = skipMemory.As<std::uint8_t>();
+    run.kernel(guarded);
+    std::memcpy(job.pixels, guarded.pixels, pixelBytes);
+}
+
+class GuardPages : public KernelDifferential {
+protected:
+    static reference::Projection RenderGuarded(const HostVolume& host, const GuardedSlices& slices,
+                                               GuardedEnd end, const reference::Request& request) {
+        const render::CropBox crop = {request.x0 - 1, request.x1 - 1, request.y0 - 1,
+                                      request.y1 - 1, request.z0 - 1, request.z1 - 1};
+        const render::ProjectionRenderer renderer(host.Get(), request.rotation.data(), crop, 0);
+        run = {render::KernelOf(request.mode, *host.Get(), GetParam().extra), slices.Get(), end};
+        float* pixels =
+            render::RenderWithKernel(RunGuarded, renderer, {request.high, request.low, GetParam().extra});
+        reference::Projection projection = {renderer.outputWidth, renderer.outputHeight, 0, true, {}};
+        projection.pixels.assign(pixels, pixels + 3 * renderer.outputWidth * renderer.outputHeight);
+        FreeProjection(pixels);
+        return projection;
+    }
+
+    static std::vector<reference::Request> Views(const reference::Volume& volume, RandomSource& random) {
+        std::vector<reference::Request> views = {
+            ViewOf(volume, kIdentity), ViewOf(volume, Rounded(AboutAxis(0, SmallAngle(20.0)))),
+            ViewOf(volume, Rounded(LookingAlong(0, false))),
+            ViewOf(volume, Rounded(LookingAlong(1, true)), 20.0f, 90.0f),
+            ViewOf(volume, Rounded(AboutAxis(2, Quarters(1))), 200.0f, 255.0f)};
+        for (int index = 0; index < 3; ++index) {
+            reference::Request request = RandomRequest(random, volume, GetParam().mode);
+            request.extraBits = views[0].extraBits;
+            views.push_back(request);
+        }
+        return views;
+    }
+
+    static void ExpectNoFault(const reference::Volume& volume, GuardedEnd end, RandomSource& random) {
+        const HostVolume host(volume);
+        const GuardedSlices slices(volume, end);
+        for (const reference::Request& request : Views(volume, random)) {
+            const reference::Projection expected = reference::Render(volume, request);
+            for (const render::InstructionSet set : render::kInstructionSets) {
+                if (set > render::BestInstructionSet()) continue;
+                FaultReport::Say("instruction set " + std::to_string(static_cast<int>(set)) + ", "
+                                 + Describe(request) + ", " + Describe(volume));
+                render::ForceInstructionSet(set);
+                const reference::Projection actual = RenderGuarded(host, slices, end, request);
+                ASSERT_TRUE(SameBits(expected, actual)) << Describe(request) << "\n" << Describe(volume);
+            }
+        }
+        render::ForceInstructionSet(render::BestInstructionSet());
+    }
+
+    static void ExpectNoFault(GuardedEnd end) {
+        const FaultReport report;
+        RandomSource random(1);
+        // Sides below and above a packet, a row of sixteen and a stretch; slices of whole pages; flat volumes.
+        for (const VolumeSize& size :
+             {Size(33, 9, 17), Size(16, 16, 5), Size(5, 3, 40), Size(64, 64, 3), Size(1, 1, 7), Size(2, 2, 2),
+              Size(19, 1, 3), Size(1, 35, 4), Size(17, 18, 1), Size(15, 7, 2)}) {
+            ASSERT_NO_FATAL_FAILURE(ExpectNoFault(NoiseVolume(size, random.Bits()), end, random));
+            ASSERT_NO_FATAL_FAILURE(ExpectNoFault(SparseVolume(size, random.Bits()), end, random));
+        }
+    }
+};
+
+// What the tests below rest on.
+TEST(GuardedBytesDeathTest, EndTheProgramAtTheFirstByteBesideThem) {
+    const auto read = [](GuardedEnd end, std::ptrdiff_t at) {
+        const FaultReport report;
+        FaultReport::Say("byte " + std::to_string(at));
+        const GuardedBytes bytes(100, end);
+        const volatile std::uint8_t* byte = bytes.As<std::uint8_t>() + at;
+        std::exit(*byte); // 0 where it can be read
+    };
+    const ::testing::ExitedWithCode faults(FaultReport::kExitCode);
+    EXPECT_EXIT(read(GuardedEnd::Last, 100), faults, "guard page was accessed: byte 100");
+    EXPECT_EXIT(read(GuardedEnd::First, -1), faults, "guard page was accessed: byte -1");
+    EXPECT_EXIT(read(GuardedEnd::Last, 99), ::testing::ExitedWithCode(0), "");
+    EXPECT_EXIT(read(GuardedEnd::First, 0), ::testing::ExitedWithCode(0), "");
+}
+
+TEST_P(GuardPages, AreNotTouchedBehindTheLastByte) { ExpectNoFault(GuardedEnd::Last); }
+
+TEST_P(GuardPages, AreNotTouchedBeforeTheFirstByte) { ExpectNoFault(GuardedEnd::First); }
+
+INSTANTIATE_TEST_SUITE_P(AllKernels, GuardPages, ::testing::ValuesIn(AllKernels()),
+                         ::testing::PrintToStringParamName());
+
+} // namespace
