@@ -45,7 +45,8 @@ public:
     }
     using State = Bytes;
     Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
-        return LoadRow<Grey>(row, columns, {}).value - shift_;
+        const Bytes value = LoadRow<Grey>(row, columns, {}).value;
+        return kLargest ? value : value - shift_;
     }
     Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
         const Bytes value = First(row, columns);
@@ -170,6 +171,7 @@ private:
             for (; x + kRays <= width; x += kRays) {
                 const std::size_t offset = static_cast<std::size_t>(x) * Format::kBytes;
                 typename Coder::State state = coder.First(row[0] + offset, kRays);
+#pragma GCC unroll 3
                 for (int index = 1; index < 4; ++index)
                     coder.Add(state, row[index] + offset, kRays);
                 StorePairs(to + x / 2, coder.Code(state));

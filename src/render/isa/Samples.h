@@ -53,6 +53,7 @@ class GreyWindow {
 public:
     explicit GreyWindow(ValueRange range)
         : range_(range),
+          isFull_(range.first == 0 && range.last == kLargestGrey),
           first_(AllBytes(static_cast<std::uint8_t>(range.first))),
           span_(AllBytes(static_cast<std::uint8_t>(range.last - range.first))) {}
     bool IsEmpty() const { return range_.IsEmpty(); }
@@ -60,12 +61,14 @@ public:
 
     // 0xFF for the rays whose sample is accepted. The window must not be empty.
     Z3D_INLINE Bytes Accepts(const GreySample& sample) const {
+        if (isFull_) return AllBytes(0xFF);
         const Bytes above = sample.value - first_;
         return AreEqual(Smaller(above, span_), above);
     }
 
 private:
     ValueRange range_;
+    bool isFull_;
     Bytes first_;
     Bytes span_;
 };
@@ -75,12 +78,14 @@ class RgbWindow {
 public:
     explicit RgbWindow(ValueRange range)
         : range_(range),
+          isFull_(range.first == 0 && range.last == kLargestSum),
           first_(_mm_set1_epi16(static_cast<short>(range.first))),
           span_(_mm_set1_epi16(static_cast<short>(range.last - range.first))) {}
     bool IsEmpty() const { return range_.IsEmpty(); }
     const ValueRange& Range() const { return range_; }
 
     Z3D_INLINE Bytes Accepts(const RgbSample& sample) const {
+        if (isFull_) return AllBytes(0xFF);
         const Sums sums = sample.Sum();
         return ToBytes(_mm_packs_epi16(Covers(sums.low), Covers(sums.high)));
     }
@@ -91,6 +96,7 @@ private:
         return _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(sums, first_), span_), _mm_setzero_si128());
     }
     ValueRange range_;
+    bool isFull_;
     __m128i first_;
     __m128i span_;
 };
@@ -140,6 +146,7 @@ Z3D_INLINE GreySample LoadRow<Grey>(const std::uint8_t* voxels, std::int32_t col
 // The channels of sixteen voxels: 48 bytes, riffled four times. A riffle moves byte i to 2i mod 47, so four of them
 // move channel c of voxel v from 3v + c to 16c + v.
 Z3D_INLINE void SplitChannels(Bytes (&bytes)[3]) {
+#pragma GCC unroll 4
     for (int riffle = 0; riffle < 4; ++riffle) {
         const __m128i a = Raw(bytes[0]);
         const __m128i b = Raw(bytes[1]);
@@ -150,18 +157,16 @@ Z3D_INLINE void SplitChannels(Bytes (&bytes)[3]) {
     }
 }
 
-// The 48 bytes of sixteen RGB voxels side by side, of which `columns` exist; the last one is repeated beyond them.
+// The 48 bytes of sixteen RGB voxels side by side, of which `columns` exist; the last one is repeated once.
 Z3D_INLINE void LoadColours(const std::uint8_t* voxels, std::int32_t columns, Bytes (&bytes)[3]) {
     if (columns == kRays) {
         __builtin_memcpy(&bytes, voxels, sizeof bytes);
         return;
     }
-    std::uint8_t filled[3 * kRays];
-    for (std::int32_t column = 0; column < kRays; ++column) {
-        const std::int32_t from = column < columns ? column : columns - 1;
-        for (int c = 0; c < 3; ++c)
-            filled[3 * column + c] = voxels[3 * from + c];
-    }
+    std::uint8_t filled[3 * (kRays + 1)] = {};
+    const auto existing = static_cast<std::size_t>(3 * columns);
+    __builtin_memcpy(filled, voxels, existing);
+    __builtin_memcpy(filled + existing, voxels + existing - 3, 3);
     __builtin_memcpy(&bytes, filled, sizeof bytes);
 }
 

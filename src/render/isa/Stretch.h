@@ -166,16 +166,25 @@ struct RgbStretch {
     Bytes channel[kSamples][3];
 };
 
-// One channel of sixteen voxels, each in the low bytes of a word.
-Z3D_INLINE Bytes PlaneOf(const std::uint32_t (&words)[kRays], int channel) {
-    const auto* quads = reinterpret_cast<const __m128i*>(words);
-    __m128i part[4];
-    for (int quad = 0; quad < 4; ++quad) {
-        part[quad] =
-            _mm_and_si128(_mm_srli_epi32(_mm_load_si128(quads + quad), 8 * channel), _mm_set1_epi32(0xFF));
+// The bytes of sixteen words, of which the first three count: 64 bytes, riffled four times. A riffle moves byte i to
+// 2i mod 63, so four of them move byte c of word r from 4r + c to 16c + r.
+Z3D_INLINE void SplitWords(const std::uint32_t (&words)[kRays], Bytes (&channel)[3]) {
+    __m128i a = _mm_load_si128(reinterpret_cast<const __m128i*>(words));
+    __m128i b = _mm_load_si128(reinterpret_cast<const __m128i*>(words) + 1);
+    __m128i c = _mm_load_si128(reinterpret_cast<const __m128i*>(words) + 2);
+    __m128i d = _mm_load_si128(reinterpret_cast<const __m128i*>(words) + 3);
+#pragma GCC unroll 4
+    for (int riffle = 0; riffle < 4; ++riffle) {
+        const __m128i first = _mm_unpacklo_epi8(a, c);
+        const __m128i second = _mm_unpackhi_epi8(a, c);
+        c = _mm_unpacklo_epi8(b, d);
+        d = _mm_unpackhi_epi8(b, d);
+        a = first;
+        b = second;
     }
-    return reinterpret_cast<Bytes>(
-        _mm_packus_epi16(_mm_packs_epi32(part[0], part[1]), _mm_packs_epi32(part[2], part[3])));
+    channel[0] = reinterpret_cast<Bytes>(a);
+    channel[1] = reinterpret_cast<Bytes>(b);
+    channel[2] = reinterpret_cast<Bytes>(c);
 }
 
 // Voxels are fetched one by one: computed offsets and plain loads beat hardware gathers. Functions of their
@@ -186,31 +195,50 @@ Z3D_INLINE Bytes PlaneOf(const std::uint32_t (&words)[kRays], int channel) {
     auto* __restrict to = reinterpret_cast<std::uint8_t*>(stretch.value);
     const std::uint32_t* z = indexes.z[0];
     const std::uint32_t* plane = indexes.plane[0];
-    for (int index = 0; index < samples * kRays; ++index)
+    const int last = samples * kRays;
+#pragma GCC unroll 8
+    for (int index = 0; index < last; ++index)
         to[index] = slices[z[index]][plane[index]];
+}
+
+// Sixteen colours as words. A slice's last voxel has nothing behind it that may be read: it is read with the byte
+// before it.
+Z3D_INLINE void FetchWords(const VoxelGrid& grid, const std::uint32_t* z, const std::uint32_t* plane,
+                           std::uint32_t last, std::uint32_t* words) {
+    const std::uint8_t* const* slices = grid.slices;
+    if (last == 0) {
+        for (int ray = 0; ray < kRays; ++ray) {
+            const std::uint8_t* voxel = slices[z[ray]];
+            words[ray] = static_cast<std::uint32_t>(voxel[0] | voxel[1] << 8 | voxel[2] << 16);
+        }
+        return;
+    }
+    alignas(64) std::uint32_t offset[kRays];
+    Uints isAnyLast = {};
+    for (int ray = 0; ray < kRays; ray += kFloatLanes) {
+        const Uints voxel = LoadUints(plane + ray);
+        const Uints isLast = reinterpret_cast<Uints>(voxel == last);
+        Store(offset + ray, voxel + voxel + voxel + isLast);
+        isAnyLast |= isLast;
+    }
+#pragma GCC unroll 8
+    for (int ray = 0; ray < kRays; ++ray)
+        __builtin_memcpy(&words[ray], slices[z[ray]] + offset[ray], 4);
+    if (!AnySet(isAnyLast)) return;
+    for (int ray = 0; ray < kRays; ++ray)
+        words[ray] >>= plane[ray] == last ? 8 : 0;
 }
 
 [[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
                                     RgbStretch& __restrict stretch) {
-    const std::uint8_t* const* slices = grid.slices;
-    const std::uint32_t lastVoxel =
+    const std::uint32_t last =
         static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
-    for (int sample = 0; sample < samples; ++sample) {
-        alignas(16) std::uint32_t words[kRays];
-        for (int ray = 0; ray < kRays; ++ray) {
-            const std::uint32_t voxel = indexes.plane[sample][ray];
-            const std::uint8_t* from = slices[indexes.z[sample][ray]] + std::size_t{3} * voxel;
-            // Four bytes at once, except for a slice's last voxel: nothing is read beyond the slice.
-            if (voxel != lastVoxel) {
-                __builtin_memcpy(&words[ray], from, 4);
-            } else {
-                words[ray] = static_cast<std::uint32_t>(from[0] | from[1] << 8 | from[2] << 16);
-            }
-        }
-        for (int channel = 0; channel < 3; ++channel) {
-            stretch.channel[sample][channel] = PlaneOf(words, channel);
-        }
-    }
+    // All words first: a vector load waits for narrower stores to its bytes that are still under way.
+    alignas(64) std::uint32_t words[kSamples][kRays];
+    for (int sample = 0; sample < samples; ++sample)
+        FetchWords(grid, indexes.z[sample], indexes.plane[sample], last, words[sample]);
+    for (int sample = 0; sample < samples; ++sample)
+        SplitWords(words[sample], stretch.channel[sample]);
 }
 
 } // namespace z3d::render::Z3D_ISA

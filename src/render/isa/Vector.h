@@ -39,6 +39,11 @@ Z3D_INLINE Floats LoadFloats(const float* from) {
     __builtin_memcpy(&value, from, sizeof value);
     return value;
 }
+Z3D_INLINE Uints LoadUints(const std::uint32_t* from) {
+    Uints value;
+    __builtin_memcpy(&value, from, sizeof value);
+    return value;
+}
 Z3D_INLINE void Store(float* to, Floats value) { __builtin_memcpy(to, &value, sizeof value); }
 Z3D_INLINE void Store(std::uint32_t* to, Uints value) { __builtin_memcpy(to, &value, sizeof value); }
 Z3D_INLINE Floats AllFloats(float value) { return value - Floats{}; }
@@ -204,6 +209,15 @@ Z3D_INLINE bool AnySet(LongMask mask) {
     return _mm256_movemask_pd(reinterpret_cast<__m256d>(mask)) != 0;
 #else
     return _mm_movemask_pd(reinterpret_cast<__m128d>(mask)) != 0;
+#endif
+}
+Z3D_INLINE bool AnySet(Uints mask) {
+#if Z3D_VECTOR_BYTES == 64
+    return _mm512_test_epi32_mask(reinterpret_cast<__m512i>(mask), reinterpret_cast<__m512i>(mask)) != 0;
+#elif Z3D_VECTOR_BYTES == 32
+    return _mm256_movemask_epi8(reinterpret_cast<__m256i>(mask)) != 0;
+#else
+    return _mm_movemask_epi8(reinterpret_cast<__m128i>(mask)) != 0;
 #endif
 }
 Z3D_INLINE bool AnySet(Bytes mask) { return _mm_movemask_epi8(reinterpret_cast<__m128i>(mask)) != 0; }
