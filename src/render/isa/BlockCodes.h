@@ -64,15 +64,23 @@ private:
     const Bytes shift_;
 };
 
-// RGB: the extremes of each channel over the block bound its sums and its measure.
+// RGB: the extremes of each channel over the block bound its sums and its measure. What is not asked for is not
+// formed: the smallest values where the window has no upper end, the largest where it has no lower one.
+template <bool kLargest, bool kSmallest>
 class RgbCoder {
 public:
     RgbCoder(const RgbWindow& window, Measure measure)
         : first_(_mm_set1_epi16(static_cast<short>(window.Range().first))),
           last_(_mm_set1_epi16(static_cast<short>(window.Range().last))),
           measure_(measure) {}
+    static bool Fits(const RgbWindow& window, Measure measure) {
+        const bool needsLargest = measure == Measure::Largeness || window.Range().first > 0;
+        const bool needsSmallest = measure == Measure::Smallness || window.Range().last < kLargestSum;
+        return kLargest >= needsLargest && kSmallest >= needsSmallest;
+    }
+    // Of the bytes as they lie, channel after channel.
     struct State {
-        Bytes largest[3]; // of the bytes as they lie, channel after channel
+        Bytes largest[3];
         Bytes smallest[3];
     };
     Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
@@ -85,31 +93,40 @@ public:
     Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
         Bytes bytes[3];
         LoadColours(row, columns, bytes);
+#pragma GCC unroll 3
         for (int part = 0; part < 3; ++part) {
-            state.largest[part] = Larger(state.largest[part], bytes[part]);
-            state.smallest[part] = Smaller(state.smallest[part], bytes[part]);
+            if (kLargest) state.largest[part] = Larger(state.largest[part], bytes[part]);
+            if (kSmallest) state.smallest[part] = Smaller(state.smallest[part], bytes[part]);
         }
     }
     Z3D_INLINE Bytes Code(State state) const {
-        SplitChannels(state.largest);
-        SplitChannels(state.smallest);
-        const RgbSample most = {{state.largest[0], state.largest[1], state.largest[2]}, {}};
-        const RgbSample least = {{state.smallest[0], state.smallest[1], state.smallest[2]}, {}};
-        const Sums high = most.Sum();
-        const Sums low = least.Sum();
-        const Bytes isOutside =
-            ToBytes(_mm_packs_epi16(IsOutside(high.low, low.low), IsOutside(high.high, low.high)));
-        Bytes value = AllBytes(255);
-        if (measure_ == Measure::Largeness)
-            value = Larger(Larger(most.channel[0], most.channel[1]), most.channel[2]);
-        if (measure_ == Measure::Smallness)
-            value = ~Smaller(Smaller(least.channel[0], least.channel[1]), least.channel[2]);
-        return ToBytes(_mm_adds_epu8(Raw(value), _mm_set1_epi8(1))) & ~isOutside;
+        Bytes code = AllBytes(0xFF);
+        if (kLargest) {
+            SplitChannels(state.largest);
+            const RgbSample most = {{state.largest[0], state.largest[1], state.largest[2]}, {}};
+            if (measure_ == Measure::Largeness) {
+                code = OneMore(Larger(Larger(most.channel[0], most.channel[1]), most.channel[2]));
+            }
+            const Sums sums = most.Sum();
+            code &= ~ToBytes(
+                _mm_packs_epi16(_mm_cmpgt_epi16(first_, sums.low), _mm_cmpgt_epi16(first_, sums.high)));
+        }
+        if (kSmallest) {
+            SplitChannels(state.smallest);
+            const RgbSample least = {{state.smallest[0], state.smallest[1], state.smallest[2]}, {}};
+            if (measure_ == Measure::Smallness) {
+                code &= OneMore(~Smaller(Smaller(least.channel[0], least.channel[1]), least.channel[2]));
+            }
+            const Sums sums = least.Sum();
+            code &= ~ToBytes(
+                _mm_packs_epi16(_mm_cmpgt_epi16(sums.low, last_), _mm_cmpgt_epi16(sums.high, last_)));
+        }
+        return code;
     }
 
 private:
-    Z3D_INLINE __m128i IsOutside(__m128i largestSum, __m128i smallestSum) const {
-        return _mm_or_si128(_mm_cmpgt_epi16(first_, largestSum), _mm_cmpgt_epi16(smallestSum, last_));
+    Z3D_INLINE static Bytes OneMore(Bytes value) {
+        return ToBytes(_mm_adds_epu8(Raw(value), _mm_set1_epi8(1)));
     }
     const __m128i first_;
     const __m128i last_;
@@ -131,7 +148,15 @@ public:
             FillWith<Grey>(GreyCoder(window, measure));
         }
     }
-    void Fill(const RgbWindow& window, Measure measure) const { FillWith<Rgb>(RgbCoder(window, measure)); }
+    void Fill(const RgbWindow& window, Measure measure) const {
+        if (RgbCoder<true, false>::Fits(window, measure)) {
+            FillWith<Rgb>(RgbCoder<true, false>(window, measure));
+        } else if (RgbCoder<false, true>::Fits(window, measure)) {
+            FillWith<Rgb>(RgbCoder<false, true>(window, measure));
+        } else {
+            FillWith<Rgb>(RgbCoder<true, true>(window, measure));
+        }
+    }
 
 private:
     struct Span {

@@ -1,4 +1,4 @@
-// How much a voxel differs from its neighbours across the picture plane.
+// How much a grey voxel differs from its neighbours across the picture plane.
 #pragma once
 
 #include "render/isa/Samples.h"
@@ -8,45 +8,30 @@ namespace z3d::render::Z3D_ISA {
 // Volumes of fewer slices are not scored: every voxel in the window counts 1.
 constexpr std::int32_t kSmallestScoredDepth = 3;
 
-template <class Format>
 class NeighbourContrast {
 public:
     NeighbourContrast(const ProjectionJob& job, ValueRange window)
         : grid_(job.grid), inverse_(job.geometry.inverse), window_(window) {}
 
-    // Grey: the four neighbours one output column or row away from the voxel's indexes. Colour: the one to the
-    // right of the unrounded position.
+    // From the four neighbours one output column or row away from the voxel's indexes.
     std::int32_t ScoreAt(const SampleIndexes& at, int ray) const {
         if (grid_.depth < kSmallestScoredDepth) return 1;
         const auto width = static_cast<std::uint32_t>(grid_.width);
         const std::uint32_t plane = at.Plane(ray);
-        const std::int32_t value = Format::ValueOf(VoxelOf(at, ray));
-        if constexpr (Format::kBytes == 1) {
-            const double point[3] = {static_cast<double>(plane % width), static_cast<double>(plane / width),
-                                     static_cast<double>(at.Z(ray))};
-            return Difference(value, point, 0, 1) + Difference(value, point, 0, -1)
-                   + Difference(value, point, 1, 1) + Difference(value, point, 1, -1);
-        } else {
-            const double point[3] = {at.Position(0, ray), at.Position(1, ray), at.Position(2, ray)};
-            return Difference(value, point, 0, 1);
-        }
-    }
-
-    void CopyVoxel(const SampleIndexes& at, int ray, std::uint8_t (&colour)[3]) const {
-        __builtin_memcpy(colour, VoxelOf(at, ray), Format::kBytes);
+        const std::int32_t value = grid_.slices[at.Z(ray)][plane];
+        const double point[3] = {static_cast<double>(plane % width), static_cast<double>(plane / width),
+                                 static_cast<double>(at.Z(ray))};
+        return Difference(value, point, 0, 1) + Difference(value, point, 0, -1)
+               + Difference(value, point, 1, 1) + Difference(value, point, 1, -1);
     }
 
 private:
-    const std::uint8_t* VoxelOf(const SampleIndexes& at, int ray) const {
-        return grid_.slices[at.Z(ray)] + std::size_t{Format::kBytes} * at.Plane(ray);
-    }
-
     // What the voxel at `point`, moved by a column of the inverse rotation, adds to the score of `value`.
     std::int32_t Difference(std::int32_t value, const double (&point)[3], int column, double sign) const {
         const std::int32_t x = NearestVoxel(point[0] + sign * inverse_[column], grid_.width);
         const std::int32_t y = NearestVoxel(point[1] + sign * inverse_[3 + column], grid_.height);
         const std::int32_t z = NearestVoxel(point[2] + sign * inverse_[6 + column], grid_.depth);
-        const std::int32_t neighbour = Format::ValueOf(grid_.At<Format::kBytes>(x, y, z));
+        const std::int32_t neighbour = *grid_.At<1>(x, y, z);
         if (neighbour < window_.first || neighbour > window_.last) return 0;
         return neighbour > value ? neighbour - value : value - neighbour;
     }

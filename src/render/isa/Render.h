@@ -37,15 +37,24 @@ SkipTable SkipTableFor(const ProjectionJob& job, const Rule& rule) {
     return SkipTable::Make(job, rule.window, Rule::kMeasure, Rule::kBackToFront, rule.Margin());
 }
 
+// By packets, in order.
 template <class Rule>
-void RenderWith(const ProjectionJob& job, const Rule& rule) {
-    if (RenderShortcut(job, rule)) return;
+void RenderPackets(const ProjectionJob& job, const Rule& rule, typename Rule::Format::Grid grid) {
+    if (rule.window.IsEmpty()) {
+        FillWithInitial<Rule>(job);
+        return;
+    }
     if (!SkipTable::IsUsable(job)) {
-        PacketWalk<Rule>(job, rule, job.grid, nullptr).Render();
+        PacketWalk<Rule>(job, rule, grid, nullptr).Render();
         return;
     }
     const SkipTable skips = SkipTableFor(job, rule);
-    PacketWalk<Rule>(job, rule, job.grid, &skips).Render();
+    PacketWalk<Rule>(job, rule, grid, &skips).Render();
+}
+
+template <class Rule>
+void RenderWith(const ProjectionJob& job, const Rule& rule) {
+    if (!RenderShortcut(job, rule)) RenderPackets(job, rule, job.grid);
 }
 
 // For rules whose samples may be taken in any order.

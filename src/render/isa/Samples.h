@@ -24,8 +24,6 @@ struct SampleIndexes {
     int sample;
     std::uint32_t Z(int ray) const { return indexes->z[sample][ray]; }
     std::uint32_t Plane(int ray) const { return indexes->plane[sample][ray]; }
-    // The unrounded position; kept for rules that ask for it only.
-    float Position(int axis, int ray) const { return indexes->position[axis][sample][ray]; }
 };
 
 struct GreySample {

@@ -99,13 +99,16 @@ private:
             last = direction.last < last ? direction.last : last;
         }
         std::uint16_t* to = slices_[z] + static_cast<std::size_t>(y) * static_cast<std::size_t>(grid_.width);
-        for (std::int32_t x = 0; x < grid_.width;) {
-            if (x >= first && x + kRays - 1 <= last) {
-                ScoreSixteen(row, neighbour, x, to);
-                x += kRays;
-            } else {
+        // Sixteen columns at a time within the run; the last sixteen overlap the ones before rather than leave it.
+        std::int32_t x = 0;
+        while (x < grid_.width) {
+            if (x < first || x > last || last - first < kRays - 1) {
                 to[x] = ScoreOne(row, neighbour, x);
                 ++x;
+            } else {
+                const std::int32_t from = x + kRays - 1 <= last ? x : last - (kRays - 1);
+                ScoreSixteen(row, neighbour, from, to);
+                x = from + kRays;
             }
         }
     }
@@ -130,6 +133,7 @@ private:
         const GreySample centre = LoadRow<Grey>(row + x, kRays, {});
         __m128i low = zero;
         __m128i high = zero;
+#pragma GCC unroll 4
         for (int number = 0; number < kDirections; ++number) {
             const GreySample other =
                 LoadRow<Grey>(neighbour[number] + x + direction_[number].shift, kRays, {});
@@ -177,7 +181,9 @@ struct Score {
     std::uint16_t* __restrict to = stretch.value[0];
     const std::uint32_t* z = indexes.z[0];
     const std::uint32_t* plane = indexes.plane[0];
-    for (int index = 0; index < samples * kRays; ++index)
+    const int last = samples * kRays;
+#pragma GCC unroll 8
+    for (int index = 0; index < last; ++index)
         to[index] = slices[z[index]][plane[index]];
 }
 

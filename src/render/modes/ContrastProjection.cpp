@@ -7,6 +7,7 @@
 // - grey measures four neighbours, from the voxel's indexes; colour one, from the unrounded position
 // - volumes of 1 or 2 slices score 1 for every voxel in the window: a mask of the window
 // - a best score of 0 leaves the initial value
+#include "render/isa/ColourContrast.h"
 #include "render/isa/Kernels.h"
 #include "render/isa/NeighbourContrast.h"
 #include "render/isa/Render.h"
@@ -15,42 +16,30 @@
 namespace z3d::render::Z3D_ISA {
 namespace {
 
-template <class VoxelFormat>
-struct ContrastRule : RuleDefaults {
-    using Format = VoxelFormat;
+// Grey where there is no memory for scores, or no scores.
+struct NeighbourContrastGrey : RuleDefaults {
+    using Format = Grey;
     static constexpr std::int32_t kBorder = 1;
     static constexpr bool kUsesIndexes = true;
-    static constexpr bool kUsesPositions = Format::kBytes == 3;
     struct Lanes {
         std::int32_t best[kRays];
-        std::uint8_t colour[kRays][3]; // of the voxel with the best score
     };
-    typename Format::Window window;
-    NeighbourContrast<Format> contrast;
+    GreyWindow window;
+    NeighbourContrast contrast;
 
-    explicit ContrastRule(const ProjectionJob& job)
-        : window(StrictRange(Format::kLargest, job.low, job.high)), contrast(job, window.Range()) {}
+    explicit NeighbourContrastGrey(const ProjectionJob& job)
+        : window(StrictRange(kLargestGrey, job.low, job.high)), contrast(job, window.Range()) {}
 
-    Z3D_INLINE void Sample(const typename Format::Sample& sample, Bytes isValid, Lanes& lanes) const {
+    Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
         const Bytes accepted = window.Accepts(sample) & isValid;
         for (unsigned rays = BitsOf(accepted); rays != 0; rays &= rays - 1) {
             const int ray = __builtin_ctz(rays);
             const std::int32_t score = contrast.ScoreAt(sample.at, ray);
-            if (score <= lanes.best[ray]) continue;
-            lanes.best[ray] = score;
-            contrast.CopyVoxel(sample.at, ray, lanes.colour[ray]);
+            if (score > lanes.best[ray]) lanes.best[ray] = score;
         }
     }
-    // Grey shows the score. Colour keeps the voxel's proportions, scaled to sum to it; a black voxel has none.
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        const std::int32_t best = lanes.best[ray];
-        const std::int32_t sum = Rgb::ValueOf(lanes.colour[ray]);
-        if (best <= 0 || (Format::kBytes == 3 && sum == 0)) return;
-        for (int c = 0; c < 3; ++c) {
-            pixel[c] = Format::kBytes == 1
-                           ? static_cast<float>(best)
-                           : static_cast<float>(static_cast<double>(lanes.colour[ray][c]) * best / sum);
-        }
+        if (lanes.best[ray] > 0) pixel[0] = pixel[1] = pixel[2] = static_cast<float>(lanes.best[ray]);
     }
 };
 
@@ -73,10 +62,57 @@ struct LargestScore : RuleDefaults {
     }
 };
 
+// Colour keeps the proportions of the voxel with the best score, scaled to sum to it; a black voxel has none.
+struct NeighbourContrastRgb : RuleDefaults {
+    using Format = RgbWithNeighbour;
+    static constexpr std::int32_t kBorder = 1;
+    static constexpr bool kUsesPositions = true;
+    struct Lanes {
+        Sums best;
+        Bytes colour[3]; // of the voxel with the best score
+    };
+    RgbWindow window;
+    bool isScored;
+
+    Z3D_INLINE void Sample(const NeighbourSample& sample, Bytes isValid, Lanes& lanes) const {
+        const Bytes accepted = window.Accepts(sample.voxel) & isValid;
+        const Bytes counted = isScored ? accepted & window.Accepts(sample.beside) : accepted;
+        const Sums sums = sample.voxel.Sum();
+        const Sums others = sample.beside.Sum();
+        const __m128i low =
+            Better(sums.low, others.low, _mm_unpacklo_epi8(Raw(counted), Raw(counted)), lanes.best.low);
+        const __m128i high =
+            Better(sums.high, others.high, _mm_unpackhi_epi8(Raw(counted), Raw(counted)), lanes.best.high);
+        const Bytes isBetter = ToBytes(_mm_packs_epi16(low, high));
+        for (int c = 0; c < 3; ++c)
+            lanes.colour[c] = (sample.voxel.channel[c] & isBetter) | (lanes.colour[c] & ~isBetter);
+    }
+    void Finish(const Lanes& lanes, int ray, float* pixel) const {
+        std::uint16_t scores[kRays];
+        __builtin_memcpy(scores, &lanes.best, sizeof scores);
+        const int sum = lanes.colour[0][ray] + lanes.colour[1][ray] + lanes.colour[2][ray];
+        if (scores[ray] == 0 || sum == 0) return;
+        for (int c = 0; c < 3; ++c)
+            pixel[c] = static_cast<float>(static_cast<double>(lanes.colour[c][ray]) * scores[ray] / sum);
+    }
+
+private:
+    // Where a score is above the best one, which it then replaces.
+    Z3D_INLINE __m128i Better(__m128i sums, __m128i others, __m128i counted, __m128i& best) const {
+        const __m128i apart = isScored
+                                  ? _mm_sub_epi16(_mm_max_epi16(sums, others), _mm_min_epi16(sums, others))
+                                  : _mm_set1_epi16(1);
+        const __m128i score = _mm_and_si128(apart, counted);
+        const __m128i isBetter = _mm_cmpgt_epi16(score, best);
+        best = _mm_max_epi16(score, best);
+        return isBetter;
+    }
+};
+
 } // namespace
 
 void ContrastProjectionGrey(const ProjectionJob& job) {
-    const ContrastRule<Grey> rule(job);
+    const NeighbourContrastGrey rule(job);
     if (job.grid.depth >= kSmallestScoredDepth && !rule.window.IsEmpty()) {
         const ScoreVolume scores(job, rule.window);
         if (scores.IsReady()) {
@@ -87,6 +123,11 @@ void ContrastProjectionGrey(const ProjectionJob& job) {
     RenderWith(job, rule);
 }
 
-void ContrastProjectionRgb(const ProjectionJob& job) { RenderWith(job, ContrastRule<Rgb>(job)); }
+void ContrastProjectionRgb(const ProjectionJob& job) {
+    const NeighbourContrastRgb rule = {
+        {}, RgbWindow(StrictRange(kLargestSum, job.low, job.high)), job.grid.depth >= kSmallestScoredDepth};
+    const SideStep step(job);
+    RenderPackets(job, rule, {job.grid, step});
+}
 
 } // namespace z3d::render::Z3D_ISA
