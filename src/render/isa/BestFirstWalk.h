@@ -12,13 +12,16 @@ namespace z3d::render::Z3D_ISA {
 template <class Rule>
 class BestFirstWalk {
 public:
-    BestFirstWalk(const ProjectionJob& job, const Rule& rule, const SkipTable& skips)
+    // There must be memory for a table of bounds.
+    BestFirstWalk(const ProjectionJob& job, const Rule& rule)
         : job_(job),
           geometry_(job.geometry),
           rule_(rule),
           rays_(job, RayShapeOf(rule)),
           walk_(job, Rule::kBackToFront, rule.Margin()),
-          skips_(skips) {}
+          skips_(job, Rule::kBackToFront) {
+        skips_.Make(job.grid, rule.window, Rule::kMeasure, rule.Margin());
+    }
 
     // False when it was given up for lack of use; the rows from `nextRow` on are then still to be rendered.
     bool Render(std::int32_t& nextRow) {
@@ -181,7 +184,7 @@ private:
     const Rule rule_;
     PacketRays rays_;
     const IndexWalk walk_;
-    const SkipTable& skips_;
+    SkipTable skips_;
     std::int64_t seen_ = 0;
     std::int64_t looked_ = 0;
     Queue queue_;

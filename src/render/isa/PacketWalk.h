@@ -1,5 +1,5 @@
-// The walk for every view: 4 x 4 neighbouring rays at a time, 16 samples at a time. Stretches that cannot change
-// any ray of the packet are passed over.
+// The walk for every view: 4 x 4 neighbouring rays at a time, up to 16 samples at a time. Stretches that cannot
+// change any ray of the packet are passed over.
 #pragma once
 
 #include "render/isa/PacketRays.h"
@@ -10,34 +10,66 @@ namespace z3d::render::Z3D_ISA {
 template <class Rule>
 class PacketWalk {
 public:
-    // Samples come from `grid`. `skips` may be null: then everything is looked at.
-    PacketWalk(const ProjectionJob& job, const Rule& rule, typename Rule::Format::Grid grid,
-               const SkipTable* skips)
+    // Samples come from `grid`.
+    PacketWalk(const ProjectionJob& job, const Rule& rule, typename Rule::Format::Grid grid)
         : grid_(grid),
           job_(job),
           geometry_(job.geometry),
           rule_(rule),
           rays_(job, RayShapeOf(rule)),
           walk_(job, Rule::kBackToFront, rule.Margin()),
-          skips_(skips) {}
+          skips_(job, Rule::kBackToFront) {}
 
     // Rows of packets from the top of the view, where y is largest, or from a lower row on.
     void Render(std::int32_t firstRow = Rule::kBorder) {
-        const std::int32_t height = geometry_.outputHeight;
-        for (std::int32_t top = firstRow; top < height - Rule::kBorder; top += kPacketSide) {
+        for (std::int32_t top = firstRow; top < geometry_.outputHeight - Rule::kBorder; top += kPacketSide) {
             rays_.TrimRows(top);
             for (std::int32_t left = Rule::kBorder; left < geometry_.outputWidth - Rule::kBorder;
                  left += kPacketSide) {
                 RenderPacket(top, left);
             }
             // Where most stretches have to be looked at anyway, asking first costs more than it saves.
-            if (seen_ >= kTrial && looked_ * 4 > seen_ * 3) skips_ = nullptr;
+            if (seen_ >= kTrial && looked_ * 4 > seen_ * 3) isSkipping_ = false;
         }
         LeaveVectorCode();
     }
 
+    // Before Render: has a table of bounds made if it promises to save more than it costs. To find out, a few packets
+    // all over the image are rendered without one.
+    void PrepareSkipping() {
+        if (!SkipTable::IsUsable(job_)) return;
+        isProbing_ = true;
+        const std::int32_t strips =
+            (geometry_.outputHeight - 2 * Rule::kBorder + kPacketSide - 1) / kPacketSide;
+        const std::int32_t packets =
+            (geometry_.outputWidth - 2 * Rule::kBorder + kPacketSide - 1) / kPacketSide;
+        std::int64_t probed = 0;
+        for (std::int32_t probe = 0; probe < kProbedStrips; ++probe) {
+            const std::int32_t top =
+                Rule::kBorder + (2 * probe + 1) * strips / (2 * kProbedStrips) * kPacketSide;
+            if (top >= geometry_.outputHeight - Rule::kBorder) break;
+            rays_.TrimRows(top);
+            for (std::int32_t packet = probe % kProbedPackets; packet < packets; packet += kProbedPackets) {
+                RenderPacket(top, Rule::kBorder + packet * kPacketSide);
+                ++probed;
+            }
+        }
+        isProbing_ = false;
+        if (probed == 0) return;
+        // Samples of a ray that would be saved in the whole image, against the voxels that the table is made of.
+        const double all = static_cast<double>(strips) * packets / static_cast<double>(probed);
+        const double voxels = static_cast<double>(job_.grid.width) * job_.grid.height * job_.grid.depth;
+        if (static_cast<double>(fruitless_) * all * kVoxelsPerSample < voxels) return;
+        skips_.Make(job_.grid, rule_.window, Rule::kMeasure, rule_.Margin());
+        isSkipping_ = true;
+    }
+
 private:
     static constexpr std::int64_t kTrial = 256; // stretches after which skipping may be given up
+    static constexpr std::int32_t kProbedStrips = 5;
+    static constexpr std::int32_t kProbedPackets = 4; // one of so many
+    // A sample of a packet takes as long as the table for so many voxels.
+    static constexpr double kVoxelsPerSample = 64;
 
     void RenderPacket(std::int32_t top, std::int32_t left) {
         Packet packet;
@@ -48,8 +80,9 @@ private:
             const std::int32_t row = top + ray / kPacketSide;
             const std::int32_t column = left + ray % kPacketSide;
             if (row >= geometry_.outputHeight - Rule::kBorder
-                || column >= geometry_.outputWidth - Rule::kBorder)
+                || column >= geometry_.outputWidth - Rule::kBorder) {
                 continue;
+            }
             float* pixel =
                 job_.pixels
                 + 3
@@ -63,30 +96,46 @@ private:
     void Walk(const Packet& packet, std::int32_t top, std::int32_t left, typename Rule::Lanes& lanes) {
         Positions positions;
         rays_.PlaceStarts(packet, top, left, positions);
-        for (std::int32_t done = 0; done < packet.longest; done += kSamples) {
-            const int samples = packet.longest - done < kSamples ? packet.longest - done : kSamples;
+        int samples = Rule::kFirstLook;
+        for (std::int32_t done = 0; done < packet.longest; done += samples) {
             const Bytes remaining = RemainingOf(packet, done);
-            if (skips_ && !IsWanted(positions, remaining, lanes)) {
+            if (isSkipping_ && !IsWanted(positions, remaining, lanes)) {
                 rule_.PassOver(lanes);
                 walk_.Skip(positions);
+                samples = kSamples;
                 continue;
             }
-            walk_.template NextStretch<Rule::kUsesPositions>(positions, samples, indexes_);
-            Fetch(grid_, indexes_, samples, stretch_);
-            for (int sample = 0; sample < samples; ++sample) {
-                const Bytes isValid =
-                    ToBytes(_mm_cmpgt_epi8(Raw(remaining), _mm_set1_epi8(static_cast<char>(sample))));
-                rule_.Sample(Rule::Format::SampleOf(stretch_, indexes_, sample), isValid, lanes);
+            samples = done == 0 ? Rule::kFirstLook : Rule::kLook;
+            if (samples > packet.longest - done) samples = packet.longest - done;
+            if (isProbing_) {
+                const typename Rule::Lanes before = lanes;
+                Look(positions, samples, remaining, lanes);
+                if (__builtin_memcmp(&before, &lanes, sizeof lanes) == 0) fruitless_ += samples;
+            } else {
+                Look(positions, samples, remaining, lanes);
             }
-            rule_.EndStretch(lanes);
-            // A ray goes on while it has samples left after this stretch and has not ended.
-            const Bytes hasMore = AreEqual(remaining, AllBytes(kSamples));
+            // A ray goes on while it has samples left after these and has not ended.
+            const Bytes more =
+                AllBytes(static_cast<std::uint8_t>(samples < kSamples ? samples + 1 : kSamples));
+            const Bytes hasMore = AreEqual(Larger(remaining, more), remaining);
             if (!AnySet(hasMore & ~rule_.Ended(lanes))) return;
         }
     }
 
+    [[gnu::noinline]] void Look(Positions& positions, int samples, Bytes remaining,
+                                typename Rule::Lanes& lanes) {
+        walk_.template NextStretch<Rule::kUsesPositions>(positions, samples, indexes_);
+        Fetch(grid_, indexes_, samples, stretch_);
+        for (int sample = 0; sample < samples; ++sample) {
+            const Bytes isValid =
+                ToBytes(_mm_cmpgt_epi8(Raw(remaining), _mm_set1_epi8(static_cast<char>(sample))));
+            rule_.Sample(Rule::Format::SampleOf(stretch_, indexes_, sample), isValid, lanes);
+        }
+        rule_.EndStretch(lanes);
+    }
+
     Z3D_INLINE bool IsWanted(const Positions& positions, Bytes remaining, const typename Rule::Lanes& lanes) {
-        const Bytes wanted = rule_.Wants(skips_->BoundsAt(positions), lanes);
+        const Bytes wanted = rule_.Wants(skips_.BoundsAt(positions), lanes);
         const bool isWanted = AnySet(wanted & ~AreEqual(remaining, Bytes{}));
         ++seen_;
         looked_ += isWanted;
@@ -99,7 +148,10 @@ private:
     const Rule rule_;
     PacketRays rays_;
     const IndexWalk walk_;
-    const SkipTable* skips_;
+    SkipTable skips_;
+    bool isSkipping_ = false;
+    bool isProbing_ = false;
+    std::int64_t fruitless_ = 0; // samples that changed no ray, while probing
     std::int64_t seen_ = 0;
     std::int64_t looked_ = 0;
     Indexes indexes_;

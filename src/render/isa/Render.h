@@ -32,11 +32,6 @@ bool RenderShortcut(const ProjectionJob& job, const Rule& rule) {
     return true;
 }
 
-template <class Rule>
-SkipTable SkipTableFor(const ProjectionJob& job, const Rule& rule) {
-    return SkipTable::Make(job, rule.window, Rule::kMeasure, Rule::kBackToFront, rule.Margin());
-}
-
 // By packets, in order.
 template <class Rule>
 void RenderPackets(const ProjectionJob& job, const Rule& rule, typename Rule::Format::Grid grid) {
@@ -44,12 +39,9 @@ void RenderPackets(const ProjectionJob& job, const Rule& rule, typename Rule::Fo
         FillWithInitial<Rule>(job);
         return;
     }
-    if (!SkipTable::IsUsable(job)) {
-        PacketWalk<Rule>(job, rule, grid, nullptr).Render();
-        return;
-    }
-    const SkipTable skips = SkipTableFor(job, rule);
-    PacketWalk<Rule>(job, rule, grid, &skips).Render();
+    PacketWalk<Rule> walk(job, rule, grid);
+    walk.PrepareSkipping();
+    walk.Render();
 }
 
 template <class Rule>
@@ -62,11 +54,8 @@ template <class Rule>
 void RenderBestFirst(const ProjectionJob& job, const Rule& rule) {
     if (RenderShortcut(job, rule)) return;
     std::int32_t nextRow = 0;
-    if (SkipTable::IsUsable(job)) {
-        const SkipTable skips = SkipTableFor(job, rule);
-        if (BestFirstWalk<Rule>(job, rule, skips).Render(nextRow)) return;
-    }
-    PacketWalk<Rule>(job, rule, job.grid, nullptr).Render(nextRow);
+    if (SkipTable::IsUsable(job) && BestFirstWalk<Rule>(job, rule).Render(nextRow)) return;
+    PacketWalk<Rule>(job, rule, job.grid).Render(nextRow);
 }
 
 } // namespace z3d::render::Z3D_ISA

@@ -18,9 +18,11 @@ struct RuleDefaults {
     static constexpr float kInitial = kLowestFloat;    // the pixel before, and without, a contribution
     static constexpr std::int32_t kSamplesPastEnd = 0; // samples beyond the trimmed range
     static constexpr bool kBackToFront = false;
-    static constexpr std::int32_t kBorder = 0;             // output pixels at each edge that are left 0
-    static constexpr bool kUsesIndexes = false;            // whether samples know where their voxels lie
-    static constexpr bool kUsesPositions = false;          // and their unrounded positions
+    static constexpr std::int32_t kBorder = 0;    // output pixels at each edge that are left 0
+    static constexpr int kFirstLook = kSamples;   // samples that a packet takes before it asks who has ended
+    static constexpr int kLook = kSamples;        // and between later questions
+    static constexpr bool kUsesIndexes = false;   // whether samples know where their voxels lie
+    static constexpr bool kUsesPositions = false; // and their unrounded positions
     static constexpr Measure kMeasure = Measure::Presence; // what bounds of skipped stretches are about
 
     // The smallest voxel index that is sampled on every axis; the largest lies as far from the other end.

@@ -30,16 +30,40 @@ public:
         return job.skipMemory != nullptr && extent.stride < (1 << 15) && extent.blocksY < (1 << 15);
     }
 
-    // The job must have memory for it.
+    SkipTable(const ProjectionJob& job, bool backToFront) : extent_(job.grid) {
+        const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
+        for (int axis = 0; axis < 3; ++axis) {
+            const float step = job.geometry.inverse[3 * axis + 2];
+            step_[axis] = backToFront ? -step : step;
+            size_[axis] = sizes[axis];
+        }
+        codes_ = job.skipMemory + SkipExtent::kRowPadding;
+        bounds_ = codes_ + extent_.Bytes();
+
+        // Fifteen roundings of at most half a unit in the last place of twice the largest coordinate, and the one
+        // of the block coordinate.
+        const double largest = MaxOf(size_[0], MaxOf(size_[1], size_[2]));
+        rounding_ = (largest + 32) * 0x1p-19;
+        surely_ = rounding_ / 2 + 0x1p-12;
+        largestOffCentre_ = AllFloats(static_cast<float>(0.5 - surely_ - rounding_ / 16));
+        const std::int32_t blocks[3] = {extent_.blocksX, extent_.blocksY, extent_.blocksZ};
+        for (int axis = 0; axis < 3; ++axis) {
+            // The largest float below: its position within its block is never sure.
+            last_[axis] = AllFloats(__builtin_nextafterf(static_cast<float>(blocks[axis]), 0));
+        }
+        factors_ = FactorsFor(static_cast<std::uint32_t>(extent_.stride));
+        half_ = AllFloats(0.5f);
+        firstBlock_ = AllFloats(1.245f); // (0 + 2.49) / 2
+    }
+
+    // Fills the table, for which the job must have memory.
     template <class Window>
-    [[gnu::noinline]] static SkipTable Make(const ProjectionJob& job, const Window& window, Measure measure,
-                                            bool backToFront, std::int32_t margin) {
-        SkipTable table(job, backToFront);
-        BlockCodes(job.grid, margin, table.extent_, table.codes_).Fill(window, measure);
-        table.FindOffsets();
-        table.Dilate();
-        table.FormBounds();
-        return table;
+    [[gnu::noinline]] void Make(const VoxelGrid& grid, const Window& window, Measure measure,
+                                std::int32_t margin) {
+        BlockCodes(grid, margin, extent_, codes_).Fill(window, measure);
+        FindOffsets();
+        Dilate();
+        FormBounds();
     }
 
     // The bounds of sixteen stretches by the positions of their first samples. 255 where a position lies too close to
@@ -72,32 +96,6 @@ public:
 private:
     // 15 steps and their rounding (at most 0.13) stay within 16 voxels: 8 blocks.
     static constexpr float kLongestStep = 1.03125f;
-
-    SkipTable(const ProjectionJob& job, bool backToFront) : extent_(job.grid) {
-        const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
-        for (int axis = 0; axis < 3; ++axis) {
-            const float step = job.geometry.inverse[3 * axis + 2];
-            step_[axis] = backToFront ? -step : step;
-            size_[axis] = sizes[axis];
-        }
-        codes_ = job.skipMemory + SkipExtent::kRowPadding;
-        bounds_ = codes_ + extent_.Bytes();
-
-        // Fifteen roundings of at most half a unit in the last place of twice the largest coordinate, and the one
-        // of the block coordinate.
-        const double largest = MaxOf(size_[0], MaxOf(size_[1], size_[2]));
-        rounding_ = (largest + 32) * 0x1p-19;
-        surely_ = rounding_ / 2 + 0x1p-12;
-        largestOffCentre_ = AllFloats(static_cast<float>(0.5 - surely_ - rounding_ / 16));
-        const std::int32_t blocks[3] = {extent_.blocksX, extent_.blocksY, extent_.blocksZ};
-        for (int axis = 0; axis < 3; ++axis) {
-            // The largest float below: its position within its block is never sure.
-            last_[axis] = AllFloats(__builtin_nextafterf(static_cast<float>(blocks[axis]), 0));
-        }
-        factors_ = FactorsFor(static_cast<std::uint32_t>(extent_.stride));
-        half_ = AllFloats(0.5f);
-        firstBlock_ = AllFloats(1.245f); // (0 + 2.49) / 2
-    }
 
     // The block coordinate, and how far from the middle of a block the position lies; in blocks.
     Z3D_INLINE Ints Block(Floats position, int axis, Floats& offCentre) const {

@@ -116,7 +116,7 @@ void ContrastProjectionGrey(const ProjectionJob& job) {
     if (job.grid.depth >= kSmallestScoredDepth && !rule.window.IsEmpty()) {
         const ScoreVolume scores(job, rule.window);
         if (scores.IsReady()) {
-            PacketWalk<LargestScore>(job, {}, scores.Slices(), nullptr).Render();
+            PacketWalk<LargestScore>(job, {}, scores.Slices()).Render();
             return;
         }
     }

@@ -11,6 +11,8 @@ namespace {
 
 struct HitGrey : RuleDefaults {
     using Format = Grey;
+    static constexpr int kFirstLook = 2;
+    static constexpr int kLook = 8;
     struct Lanes {
         Bytes hit;
         Bytes isFound;
@@ -33,6 +35,8 @@ struct HitGrey : RuleDefaults {
 
 struct HitRgb : RuleDefaults {
     using Format = Rgb;
+    static constexpr int kFirstLook = 2;
+    static constexpr int kLook = 8;
     struct Lanes {
         Bytes hit[3];
         Bytes isFound;

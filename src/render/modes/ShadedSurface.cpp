@@ -32,6 +32,8 @@ template <class VoxelFormat>
 struct First : SurfaceRule<VoxelFormat> {
     using Base = SurfaceRule<VoxelFormat>;
     using Base::Base;
+    static constexpr int kFirstLook = 2;
+    static constexpr int kLook = 8;
     struct Lanes {
         float pixel[kRays][3];
         Bytes isFound;

@@ -28,8 +28,17 @@ Z3D_INLINE void Cover(FloatLanes& behind, int ray, LongMask isAccepted, Doubles 
 
 struct BlendRule : RuleDefaults {
     static constexpr bool kBackToFront = true;
+    static constexpr Measure kMeasure = Measure::Largeness;
     double opacity;
     explicit BlendRule(const ProjectionJob& job) : opacity(OpacityOf(job.extra)) {}
+
+    // Black weighs nothing, unless the opacity is infinite or not a number: it can only begin a blend.
+    template <class Lanes>
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        const bool isFinite = __builtin_fabs(opacity) <= kHighestSingle;
+        const Bytes isBlack = AreEqual(Smaller(bound, AllBytes(1)), bound);
+        return ~(AreEqual(bound, Bytes{}) | (isFinite ? isBlack & lanes.isFound : Bytes{}));
+    }
 };
 
 struct BlendGrey : BlendRule {
