@@ -75,14 +75,17 @@ struct ProjectionJob {
     std::uint8_t* skipMemory;   // SkipTableBytes(grid) bytes, or null where memory is short
 };
 
-// Ray ranges of the four rows that a row of packets covers, each with room for one vector too many.
+// Packets are rendered tile by tile, so that neighbouring rays find the voxels that they share in the cache: bands of
+// rows, and tiles as wide within a band. Scratch memory is for the rays of one band; its rows have room for one vector
+// too many.
 constexpr std::int32_t kPacketSide = 4;
+constexpr std::int32_t kTileSide = 32;
 constexpr std::int32_t kRowPadding = 16;
 inline std::size_t StripScratchBytes(std::int32_t outputWidth) {
-    return 2 * kPacketSide * static_cast<std::size_t>(outputWidth);
+    return 2 * kTileSide * static_cast<std::size_t>(outputWidth);
 }
 inline std::size_t RowScratchInts(std::int32_t outputWidth) {
-    return 2 * kPacketSide * (static_cast<std::size_t>(outputWidth) + kRowPadding);
+    return 2 * kTileSide * (static_cast<std::size_t>(outputWidth) + kRowPadding);
 }
 
 } // namespace z3d::render

@@ -25,14 +25,21 @@ public:
 
     // False when it was given up for lack of use; the rows from `nextRow` on are then still to be rendered.
     bool Render(std::int32_t& nextRow) {
-        for (nextRow = 0; nextRow < geometry_.outputHeight; nextRow += kPacketSide) {
+        const std::int32_t bottom = geometry_.outputHeight;
+        const std::int32_t right = geometry_.outputWidth;
+        for (nextRow = 0; nextRow < bottom; nextRow += kTileSide) {
             if (seen_ >= kTrial && looked_ * 2 > seen_) return false;
-            __builtin_memset(job_.stripScratch, 0, StripScratchBytes(geometry_.outputWidth));
+            __builtin_memset(job_.stripScratch, 0, StripScratchBytes(right));
             rays_.TrimRows(nextRow);
-            for (std::int32_t left = 0; left < geometry_.outputWidth; left += kPacketSide) {
-                Packet packet;
-                rays_.Gather(left, packet);
-                if (packet.longest > 0) LookAtPacket(packet, nextRow, left);
+            for (std::int32_t tile = 0; tile < right; tile += kTileSide) {
+                for (std::int32_t row = 0; row < kTileSide && nextRow + row < bottom; row += kPacketSide) {
+                    for (std::int32_t left = tile; left < tile + kTileSide && left < right;
+                         left += kPacketSide) {
+                        Packet packet;
+                        rays_.Gather(row, left, packet);
+                        if (packet.longest > 0) LookAtPacket(packet, nextRow, row, left);
+                    }
+                }
             }
             LookAtQueue();
             FinishRows(nextRow);
@@ -56,8 +63,8 @@ private:
     // Ranks so far of the four rows being rendered, and whether there is one: 0 or 0xFF.
     std::uint8_t* Ranks() const { return job_.stripScratch; }
     std::uint8_t* Found() const { return job_.stripScratch + StripScratchBytes(geometry_.outputWidth) / 2; }
-    std::int32_t PixelOf(std::int32_t left, int ray) const {
-        return ray / kPacketSide * geometry_.outputWidth + left + ray % kPacketSide;
+    std::int32_t PixelOf(std::int32_t row, std::int32_t left, int ray) const {
+        return (row + ray / kPacketSide) * geometry_.outputWidth + left + ray % kPacketSide;
     }
 
     void Merge(std::int32_t pixel, std::uint8_t rank, std::uint8_t isFound) {
@@ -65,19 +72,19 @@ private:
         if (rank > Ranks()[pixel]) Ranks()[pixel] = rank;
     }
 
-    void LookAtPacket(const Packet& packet, std::int32_t top, std::int32_t left) {
+    void LookAtPacket(const Packet& packet, std::int32_t band, std::int32_t row, std::int32_t left) {
         ExtremeLanes lanes{};
         Positions positions;
-        rays_.PlaceStarts(packet, top, left, positions);
+        rays_.PlaceStarts(packet, band + row, left, positions);
         for (std::int32_t done = 0; done < packet.longest; done += kChunk * kSamples) {
             const int stretches = FindBounds(packet, done, positions);
             LookAtBest(packet, done, stretches, lanes);
             for (int stretch = 0; stretch < stretches; ++stretch) {
-                Enqueue(packet, left, done, stretch, rule_.Wants(bounds_[stretch], lanes));
+                Enqueue(packet, row, left, done, stretch, rule_.Wants(bounds_[stretch], lanes));
             }
         }
         for (int ray = 0; ray < kRays; ++ray) {
-            if (packet.count[ray] > 0) Merge(PixelOf(left, ray), lanes.largest[ray], lanes.isFound[ray]);
+            if (packet.count[ray] > 0) Merge(PixelOf(row, left, ray), lanes.largest[ray], lanes.isFound[ray]);
         }
     }
 
@@ -137,14 +144,15 @@ private:
         }
     }
 
-    void Enqueue(const Packet& packet, std::int32_t left, std::int32_t done, int stretch, Bytes wanted) {
+    void Enqueue(const Packet& packet, std::int32_t row, std::int32_t left, std::int32_t done, int stretch,
+                 Bytes wanted) {
         for (unsigned rays = BitsOf(wanted); rays != 0; rays &= rays - 1) {
             const int ray = __builtin_ctz(rays);
             const int slot = queue_.size++;
             for (int axis = 0; axis < 3; ++axis) {
                 queue_.positions.axis[axis][slot] = starts_[stretch].axis[axis][ray];
             }
-            queue_.pixel[slot] = PixelOf(left, ray);
+            queue_.pixel[slot] = PixelOf(row, left, ray);
             queue_.samples[slot] = SamplesOf(packet, ray, done, stretch);
             if (queue_.size == kRays) LookAtQueue();
         }
@@ -168,7 +176,7 @@ private:
     }
 
     void FinishRows(std::int32_t top) {
-        for (std::int32_t row = top; row < top + kPacketSide && row < geometry_.outputHeight; ++row) {
+        for (std::int32_t row = top; row < top + kTileSide && row < geometry_.outputHeight; ++row) {
             const std::size_t width = static_cast<std::size_t>(geometry_.outputWidth);
             float* pixel = job_.pixels + 3 * static_cast<std::size_t>(row) * width;
             const std::uint8_t* ranks = Ranks() + static_cast<std::size_t>(row - top) * width;

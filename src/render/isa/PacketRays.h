@@ -46,10 +46,10 @@ public:
           isLinear_(linear_.IsUsable()),
           shape_(shape) {}
 
-    // Trims the rays of the four rows from array row `top` on. Rays that are not rendered get no samples.
+    // Trims the rays of the band of rows from array row `top` on. Rays that are not rendered get no samples.
     [[gnu::noinline]] void TrimRows(std::int32_t top) {
         const std::int32_t width = geometry_.outputWidth;
-        for (std::int32_t row = 0; row < kPacketSide; ++row) {
+        for (std::int32_t row = 0; row < kTileSide; ++row) {
             std::int32_t* count = Count(row);
             if (top + row >= geometry_.outputHeight - shape_.border) {
                 __builtin_memset(count, 0, static_cast<std::size_t>(width + kRowPadding) * sizeof *count);
@@ -65,16 +65,17 @@ public:
         }
     }
 
-    // The rays of the packet whose left column is `left`, in the order of the rows.
-    [[gnu::noinline]] void Gather(std::int32_t left, Packet& packet) const {
+    // The rays of the packet at row `top` of the band and column `left`, in the order of the rows.
+    [[gnu::noinline]] void Gather(std::int32_t top, std::int32_t left, Packet& packet) const {
         const __m128i zero = _mm_setzero_si128();
         const __m128i extra = _mm_set1_epi32(shape_.samplesPastEnd);
         const __m128i limit = _mm_set1_epi32(shape_.sampleLimit);
         __m128i longest = zero;
         for (std::int32_t row = 0; row < kPacketSide; ++row) {
-            const __m128i trimmed = _mm_loadu_si128(reinterpret_cast<const __m128i*>(Count(row) + left));
+            const __m128i trimmed =
+                _mm_loadu_si128(reinterpret_cast<const __m128i*>(Count(top + row) + left));
             const __m128i isRay = _mm_cmpgt_epi32(trimmed, zero);
-            __m128i start = _mm_loadu_si128(reinterpret_cast<const __m128i*>(First(row) + left));
+            __m128i start = _mm_loadu_si128(reinterpret_cast<const __m128i*>(First(top + row) + left));
             if (shape_.backToFront) start = _mm_add_epi32(start, _mm_add_epi32(trimmed, isRay));
             const __m128i count = SmallerInts(_mm_add_epi32(trimmed, _mm_and_si128(extra, isRay)), limit);
             // A ray without samples starts anywhere: what its scratch memory holds is not looked at.

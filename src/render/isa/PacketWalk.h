@@ -22,14 +22,20 @@ public:
 
     // Rows of packets from the top of the view, where y is largest, or from a lower row on.
     void Render(std::int32_t firstRow = Rule::kBorder) {
-        for (std::int32_t top = firstRow; top < geometry_.outputHeight - Rule::kBorder; top += kPacketSide) {
-            rays_.TrimRows(top);
-            for (std::int32_t left = Rule::kBorder; left < geometry_.outputWidth - Rule::kBorder;
-                 left += kPacketSide) {
-                RenderPacket(top, left);
+        const std::int32_t bottom = geometry_.outputHeight - Rule::kBorder;
+        const std::int32_t right = geometry_.outputWidth - Rule::kBorder;
+        for (std::int32_t band = firstRow; band < bottom; band += kTileSide) {
+            rays_.TrimRows(band);
+            for (std::int32_t tile = Rule::kBorder; tile < right; tile += kTileSide) {
+                for (std::int32_t row = 0; row < kTileSide && band + row < bottom; row += kPacketSide) {
+                    for (std::int32_t left = tile; left < tile + kTileSide && left < right;
+                         left += kPacketSide) {
+                        RenderPacket(band, row, left);
+                    }
+                }
+                // Where most stretches have to be looked at anyway, asking first costs more than it saves.
+                if (seen_ >= kTrial && looked_ * 4 > seen_ * 3) isSkipping_ = false;
             }
-            // Where most stretches have to be looked at anyway, asking first costs more than it saves.
-            if (seen_ >= kTrial && looked_ * 4 > seen_ * 3) isSkipping_ = false;
         }
         LeaveVectorCode();
     }
@@ -50,7 +56,7 @@ public:
             if (top >= geometry_.outputHeight - Rule::kBorder) break;
             rays_.TrimRows(top);
             for (std::int32_t packet = probe % kProbedPackets; packet < packets; packet += kProbedPackets) {
-                RenderPacket(top, Rule::kBorder + packet * kPacketSide);
+                RenderPacket(top, 0, Rule::kBorder + packet * kPacketSide);
                 ++probed;
             }
         }
@@ -71,9 +77,10 @@ private:
     // A sample of a packet takes as long as the table for so many voxels.
     static constexpr double kVoxelsPerSample = 64;
 
-    void RenderPacket(std::int32_t top, std::int32_t left) {
+    void RenderPacket(std::int32_t band, std::int32_t rowInBand, std::int32_t left) {
+        const std::int32_t top = band + rowInBand;
         Packet packet;
-        rays_.Gather(left, packet);
+        rays_.Gather(rowInBand, left, packet);
         typename Rule::Lanes lanes{};
         if (packet.longest > 0) Walk(packet, top, left, lanes);
         for (int ray = 0; ray < kRays; ++ray) {
