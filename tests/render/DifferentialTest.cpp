@@ -120,6 +120,37 @@ TEST_P(Differential, StepsLongerThanAVoxel) {
     }
 }
 
+// Turns about x take whole rows of voxels: several blocks of columns and strips of rows, and the last ones short.
+TEST_P(Differential, TurnsAboutXAtEveryWidth) {
+    constexpr Rotation kTurns[] = {
+        kIdentity, {1, 0, 0, 0, 0, -1, 0, 1, 0}, {1, 0, 0, 0, 0.8f, 0.6f, 0, -0.6f, 0.8f}};
+    for (const int width : {1, 2, 15, 16, 17, 33, 64, 127, 129, 256, 257, 300, 530}) {
+        SCOPED_TRACE(::testing::Message() << "width " << width);
+        RandomSource random(static_cast<std::uint32_t>(5000 + width));
+        const reference::Volume volume =
+            RandomVolume(random, {width, random.Between(1, 40), random.Between(1, 20), BytesPerVoxel()});
+        const HostVolume hostVolume(volume);
+        for (const Rotation& turn : kTurns) {
+            reference::Request request = RandomRequest(random, volume, Mode());
+            request.rotation = turn;
+            ASSERT_TRUE(
+                SameBits(reference::Render(volume, request), RenderProduct(hostVolume.Get(), request)))
+                << Describe(request) << "\n"
+                << Describe(volume);
+        }
+    }
+}
+
+// The brightest rays there are, longer than what sums of 16 bits can hold.
+TEST_P(Differential, WhiteVolumesOfManyStretches) {
+    reference::Volume volume = EmptyVolume({3, 2, 700, BytesPerVoxel()});
+    std::fill(volume.voxels.begin(), volume.voxels.end(), std::uint8_t{255});
+    reference::Request request = PlainRequest(volume, Mode());
+    ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(volume, request))) << "by rows";
+    request.rotation[1] = 1e-6f; // not a turn about x
+    ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(volume, request))) << "by packets";
+}
+
 INSTANTIATE_TEST_SUITE_P(AllModes, Differential,
                          ::testing::Combine(::testing::Range(0, 7), ::testing::Values(1, 2, 3, 4),
                                             ::testing::ValuesIn(render::kInstructionSets)));
