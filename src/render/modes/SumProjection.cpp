@@ -25,9 +25,9 @@ struct SumGrey : RuleDefaults {
         lanes.sum.Add(sample.value & accepted, isExact);
         lanes.isFound |= accepted;
     }
-    Z3D_INLINE void EndStretch(Lanes& lanes) const { lanes.sum.Settle(); }
+    Z3D_INLINE void EndStretch(Lanes& lanes) const { lanes.sum.EndStretch(); }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.sum.total.value[ray];
+        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.sum.Of(ray);
     }
 };
 
@@ -48,12 +48,12 @@ struct SumRgb : RuleDefaults {
     }
     Z3D_INLINE void EndStretch(Lanes& lanes) const {
         for (SumLanes& sum : lanes.sum)
-            sum.Settle();
+            sum.EndStretch();
     }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
-            pixel[c] = lanes.sum[c].total.value[ray];
+            pixel[c] = lanes.sum[c].Of(ray);
     }
 };
 
