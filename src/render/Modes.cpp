@@ -51,10 +51,9 @@ float* RenderWithKernel(Kernel* kernel, const ProjectionRenderer& renderer,
     const platform::HeapArray<std::int32_t> rowScratch(RowScratchInts(renderer.outputWidth));
     const platform::HeapArray<std::uint8_t> stripScratch(StripScratchBytes(renderer.outputWidth));
     if (!rowScratch || !stripScratch) return nullptr;
-    // Without these two, rendering is slower and the same.
-    const platform::HeapArray<RayRow> rayRows(static_cast<std::size_t>(renderer.outputDepth) + 1);
     const VoxelGrid grid = {volume.Slices(), renderer.volumeWidth, renderer.volumeHeight,
                             renderer.volumeDepth};
+    // Without it, rendering is slower and the same.
     const platform::HeapArray<std::uint8_t> skipMemory(SkipTableBytes(grid));
 
     const ProjectionJob job = {
@@ -66,7 +65,6 @@ float* RenderWithKernel(Kernel* kernel, const ProjectionRenderer& renderer,
         image.Pixels(),
         rowScratch.Get(),
         stripScratch.Get(),
-        rayRows.Get(),
         skipMemory.Get()};
     kernel(job);
     return image.Release();

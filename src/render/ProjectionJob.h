@@ -24,12 +24,6 @@ struct RayGeometry {
     std::int32_t outputDepth;
 };
 
-// One row of voxels that a whole row of rays samples.
-struct RayRow {
-    std::int32_t y, z;
-    float yAt, zAt; // the unrounded coordinates
-};
-
 // Size of the table of bounds: blocks of 2 voxels a side with one border block all round. Rows have room for the
 // 8 blocks that a stretch can reach to either side, and for one vector too many.
 struct SkipExtent {
@@ -71,7 +65,6 @@ struct ProjectionJob {
     float* pixels;              // outputWidth * outputHeight pixels of three floats, all 0; top row first
     std::int32_t* rowScratch;   // RowScratchInts(outputWidth) integers
     std::uint8_t* stripScratch; // StripScratchBytes(outputWidth) bytes
-    RayRow* rayRows;            // outputDepth + 1 rows, or null where memory is short
     std::uint8_t* skipMemory;   // SkipTableBytes(grid) bytes, or null where memory is short
 };
 

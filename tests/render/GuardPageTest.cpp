@@ -51,8 +51,6 @@ void RunGuarded(const render::ProjectionJob& job) {
     const GuardedBytes pixels(pixelBytes, run.end);
     const GuardedBytes rowScratch(4 * render::RowScratchInts(geometry.outputWidth), run.end);
     const GuardedBytes stripScratch(render::StripScratchBytes(geometry.outputWidth), run.end);
-    const GuardedBytes rayRows(sizeof(render::RayRow) * (static_cast<std::size_t>(geometry.outputDepth) + 1),
-                               run.end);
     const GuardedBytes skipMemory(render::SkipTableBytes(job.grid), run.end);
 
     render::ProjectionJob guarded = job;
@@ -60,7 +58,6 @@ void RunGuarded(const render::ProjectionJob& job) {
     guarded.pixels = pixels.As<float>();
     guarded.rowScratch = rowScratch.As<std::int32_t>();
     guarded.stripScratch = stripScratch.As<std::uint8_t>();
-    guarded.rayRows = rayRows.As<render::RayRow>();
     guarded.skipMemory = skipMemory.As<std::uint8_t>();
     run.kernel(guarded);
     std::memcpy(job.pixels, guarded.pixels, pixelBytes);

@@ -8,6 +8,25 @@
 
 namespace z3d::render::Z3D_ISA {
 
+// Sixteen voxels side by side, of which `columns` exist; the last one is repeated once, as its own neighbour.
+template <int kBytes>
+Z3D_INLINE void LoadVoxels(const std::uint8_t* voxels, std::int32_t columns, Bytes (&bytes)[kBytes]) {
+    if (columns == kRays) {
+        __builtin_memcpy(&bytes, voxels, sizeof bytes);
+        return;
+    }
+    std::uint8_t filled[kBytes * (kRays + 1)] = {};
+    const auto existing = static_cast<std::size_t>(kBytes * columns);
+    __builtin_memcpy(filled, voxels, existing);
+    __builtin_memcpy(filled + existing, voxels + existing - kBytes, kBytes);
+    __builtin_memcpy(&bytes, filled, sizeof bytes);
+}
+Z3D_INLINE Bytes LoadGrey(const std::uint8_t* voxels, std::int32_t columns) {
+    Bytes bytes[1];
+    LoadVoxels(voxels, columns, bytes);
+    return bytes[0];
+}
+
 // Coders take the rows of voxels of a block one after another, sixteen columns at a time.
 
 // Grey, any window: each voxel is tested.
@@ -16,7 +35,7 @@ public:
     GreyCoder(const GreyWindow& window, Measure measure) : window_(window), measure_(measure) {}
     using State = Bytes; // largest code
     Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
-        const GreySample sample = LoadRow<Grey>(row, columns, {});
+        const GreySample sample = {LoadGrey(row, columns), {}};
         const Bytes value = measure_ == Measure::Smallness ? ~sample.value : sample.value;
         return window_.Accepts(sample) & ToBytes(_mm_adds_epu8(Raw(value), _mm_set1_epi8(1)));
     }
@@ -45,7 +64,7 @@ public:
     }
     using State = Bytes;
     Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
-        const Bytes value = LoadRow<Grey>(row, columns, {}).value;
+        const Bytes value = LoadGrey(row, columns);
         return kLargest ? value : value - shift_;
     }
     Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
@@ -85,14 +104,14 @@ public:
     };
     Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
         State state;
-        LoadColours(row, columns, state.largest);
+        LoadVoxels(row, columns, state.largest);
         for (int part = 0; part < 3; ++part)
             state.smallest[part] = state.largest[part];
         return state;
     }
     Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
         Bytes bytes[3];
-        LoadColours(row, columns, bytes);
+        LoadVoxels(row, columns, bytes);
 #pragma GCC unroll 3
         for (int part = 0; part < 3; ++part) {
             if (kLargest) state.largest[part] = Larger(state.largest[part], bytes[part]);

@@ -27,7 +27,7 @@ bool RenderShortcut(const ProjectionJob& job, const Rule& rule) {
         FillWithInitial<Rule>(job);
         return true;
     }
-    if (rule.Margin() != 0 || job.rayRows == nullptr || !HasVolumeColumns(job)) return false;
+    if (rule.Margin() != 0 || !HasVolumeColumns(job)) return false;
     RowWalk<Rule>(job, rule).Render();
     return true;
 }

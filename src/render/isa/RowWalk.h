@@ -1,5 +1,8 @@
 // Views in which output columns are volume columns (the identity, and turns about x alone): all rays of an
 // output row take the same rows of voxels, so whole rows are reduced, sixteen columns at a time.
+//
+// What is reduced next lies near in memory: sixteen output rows go side by side, sixteen samples deep, over up
+// to 256 columns. One of their rays is followed per output row, and speaks for all of its columns.
 #pragma once
 
 #include "render/isa/RaySetup.h"
@@ -22,36 +25,47 @@ template <class Rule>
 class RowWalk {
 public:
     RowWalk(const ProjectionJob& job, const Rule& rule)
-        : job_(job), geometry_(job.geometry), rule_(rule), nearest_(job, rule.Margin()) {}
+        : job_(job),
+          geometry_(job.geometry),
+          rule_(rule),
+          nearest_(job, rule.Margin()),
+          walk_(job, Rule::kBackToFront, rule.Margin()) {}
 
     void Render() {
-        const RaySetup setup(geometry_);
         FindLiveColumns();
-        for (std::int32_t row = Rule::kBorder; row < geometry_.outputHeight - Rule::kBorder; ++row) {
-            float* pixels = PixelsOf(row);
-            for (std::int32_t i = Rule::kBorder; i < geometry_.outputWidth - Rule::kBorder; ++i) {
-                for (int c = 0; c < 3; ++c)
-                    pixels[3 * i + c] = Rule::kInitial;
-            }
-            if (firstColumn_ > lastColumn_) continue;
-            // One exact ray speaks for all live columns.
-            std::int32_t first[kDoubleLanes];
-            std::int32_t count[kDoubleLanes];
-            const std::int32_t j = geometry_.outputHeight - 1 - row;
-            setup.TrimColumns(j, firstColumn_, first, count);
-            if (count[0] == 0) continue;
-            const std::int32_t samples = Follow(j, first[0], count[0]);
-            for (std::int32_t left = firstColumn_; left <= lastColumn_; left += kRays) {
-                ReduceColumns(left, samples, pixels);
+        const std::int32_t end = geometry_.outputHeight - Rule::kBorder;
+        for (std::int32_t top = Rule::kBorder; top < end; top += kRays) {
+            const std::int32_t rows = end - top < kRays ? end - top : kRays;
+            for (std::int32_t row = top; row < top + rows; ++row)
+                FillWithInitial(PixelsOf(row));
+            TrimStrip(top, rows);
+            for (std::int32_t left = firstColumn_; left <= lastColumn_; left += kGroups * kRays) {
+                ReduceColumns(left);
+                FinishColumns(top);
             }
         }
         LeaveVectorCode();
     }
 
 private:
+    using Format = typename Rule::Format;
+    using Lanes = typename Rule::Lanes;
+
+    // Groups of sixteen columns that are reduced in one go, so that large lanes, too, have room on a stack.
+    static constexpr std::int32_t kGroups = sizeof(Lanes) <= 256 ? 16 : 8;
+    // Groups whose lanes are in registers together.
+    static constexpr std::int32_t kTogether = sizeof(Lanes) <= 32 ? 4 : 1;
+
     float* PixelsOf(std::int32_t row) const {
         return job_.pixels
                + 3 * static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.outputWidth);
+    }
+
+    void FillWithInitial(float* pixels) const {
+        for (std::int32_t index = 3 * Rule::kBorder; index < 3 * (geometry_.outputWidth - Rule::kBorder);
+             ++index) {
+            pixels[index] = Rule::kInitial;
+        }
     }
 
     // Columns whose rays lie within the crop box on x, bounds inclusive.
@@ -67,78 +81,160 @@ private:
             --lastColumn_;
     }
 
-    // Writes the voxel rows that the rays take, in the order of the samples; returns their number.
-    std::int32_t Follow(std::int32_t j, std::int32_t first, std::int32_t count) const {
-        const std::int32_t start = Rule::kBackToFront ? first + count - 1 : first;
-        const double py = j - static_cast<double>(geometry_.halfSize[1]);
-        const double depth = start - static_cast<double>(geometry_.halfSize[2]);
-        float at[2];
-        float step[2];
-        for (int axis = 0; axis < 2; ++axis) {
-            const float* row = geometry_.inverse + 3 * (axis + 1);
-            at[axis] = static_cast<float>(depth * row[2] + py * row[1] + geometry_.centre[axis + 1]);
-            step[axis] = Rule::kBackToFront ? -row[2] : row[2];
+    // One exact ray for each of the rows: its first sample point, in column 0, and its number of samples.
+    void TrimStrip(std::int32_t top, std::int32_t rows) {
+        const RaySetup setup(geometry_);
+        strip_ = {};
+        for (std::int32_t row = 0; row < rows && firstColumn_ <= lastColumn_; ++row) {
+            std::int32_t first[kDoubleLanes];
+            std::int32_t count[kDoubleLanes];
+            const std::int32_t j = geometry_.outputHeight - 1 - top - row;
+            setup.TrimColumns(j, firstColumn_, first, count);
+            if (count[0] == 0) continue;
+            const double py = j - static_cast<double>(geometry_.halfSize[1]);
+            const double depth = (Rule::kBackToFront ? first[0] + count[0] - 1 : first[0])
+                                 - static_cast<double>(geometry_.halfSize[2]);
+            for (int axis = 1; axis < 3; ++axis) {
+                const float* from = geometry_.inverse + 3 * axis;
+                strip_.starts.axis[axis][row] =
+                    static_cast<float>(depth * from[2] + py * from[1] + geometry_.centre[axis]);
+            }
+            const std::int32_t samples = count[0] + Rule::kSamplesPastEnd;
+            strip_.samples[row] = samples < rule_.SampleLimit() ? samples : rule_.SampleLimit();
+            if (strip_.samples[row] > strip_.longest) strip_.longest = strip_.samples[row];
         }
-        std::int32_t samples = count + Rule::kSamplesPastEnd;
-        if (samples > rule_.SampleLimit()) samples = rule_.SampleLimit();
-        for (std::int32_t sample = 0; sample < samples; ++sample) {
-            job_.rayRows[sample] = {nearest_.Index(at[0], 1), nearest_.Index(at[1], 2), at[0], at[1]};
-            at[0] += step[0];
-            at[1] += step[1];
-        }
-        return samples;
     }
 
-    void ReduceColumns(std::int32_t left, std::int32_t samples, float* pixels) {
-        using Format = typename Rule::Format;
-        // The last block of a row overlaps the one before it rather than reading beyond the row.
+    // Chooses the columns of each group from column `left` on. The last ones of a row overlap those before them
+    // rather than reading beyond the row.
+    void ReduceColumns(std::int32_t left) {
         const std::int32_t width = job_.grid.width;
-        const std::int32_t base = left + kRays <= width ? left : (width < kRays ? 0 : width - kRays);
-        const std::int32_t columns = width - base < kRays ? width - base : kRays;
-        typename Rule::Lanes lanes{};
-        for (std::int32_t sample = 0; sample < samples; ++sample) {
-            const RayRow& row = job_.rayRows[sample];
-            const int slot = sample % kSamples;
-            const std::size_t plane = static_cast<std::size_t>(row.y) * static_cast<std::size_t>(width)
-                                      + static_cast<std::size_t>(base);
-            if constexpr (Rule::kUsesIndexes) Describe(row, base, columns, slot);
-            const std::uint8_t* voxels = job_.grid.slices[row.z] + plane * Format::kBytes;
-            rule_.Sample(LoadRow<Format>(voxels, columns, {&indexes_, slot}), AllBytes(0xFF), lanes);
-            if (slot == kSamples - 1) {
-                rule_.EndStretch(lanes);
-                if (!AnySet(~rule_.Ended(lanes))) break;
-            }
+        const std::int32_t live = lastColumn_ - left + 1;
+        const std::int32_t needed = (live + kRays - 1) / kRays;
+        groups_ = needed < kGroups ? (needed + kTogether - 1) / kTogether * kTogether : kGroups;
+        for (std::int32_t group = 0; group < groups_; ++group) {
+            const std::int32_t column = left + group * kRays;
+            base_[group] = column + kRays <= width ? column : (width < kRays ? 0 : width - kRays);
         }
-        rule_.EndStretch(lanes);
-        for (std::int32_t ray = 0; ray < columns; ++ray) {
-            const std::int32_t column = base + ray;
-            if (column >= firstColumn_ && column <= lastColumn_)
-                rule_.Finish(lanes, ray, pixels + 3 * column);
+        for (auto& row : lanes_) {
+            for (std::int32_t group = 0; group < groups_; ++group)
+                row[group] = Lanes{};
+        }
+        ReduceStretches();
+    }
+
+    void ReduceStretches() {
+        Positions positions = strip_.starts;
+        bool isLive = true;
+        for (std::int32_t done = 0; done < strip_.longest && isLive; done += kSamples) {
+            walk_.template NextStretch<Rule::kUsesPositions>(positions, kSamples, indexes_);
+            isLive = false;
+            for (int row = 0; row < kRays; ++row) {
+                const std::int32_t left = strip_.samples[row] - done;
+                if (left <= 0) continue;
+                const int samples = left < kSamples ? left : kSamples;
+                FindVoxels(row, samples);
+                for (std::int32_t group = 0; group < groups_; group += kTogether)
+                    isLive |= ReduceStretch(row, group, samples);
+            }
         }
     }
 
-    void Describe(const RayRow& row, std::int32_t base, std::int32_t columns, int slot) {
-        for (std::int32_t ray = 0; ray < kRays; ++ray) {
-            const std::int32_t column = nearest_.Clamp(base + (ray < columns ? ray : columns - 1), 0);
-            indexes_.z[slot][ray] = static_cast<std::uint32_t>(row.z);
-            indexes_.plane[slot][ray] =
-                static_cast<std::uint32_t>(row.y) * static_cast<std::uint32_t>(job_.grid.width)
-                + static_cast<std::uint32_t>(column);
-            if constexpr (Rule::kUsesPositions) {
-                indexes_.position[0][slot][ray] = static_cast<float>(base + ray);
-                indexes_.position[1][slot][ray] = row.yAt;
-                indexes_.position[2][slot][ray] = row.zAt;
+    // The row of voxels of each sample. Short ones are copied to where sixteen voxels can be read.
+    Z3D_INLINE void FindVoxels(int row, int samples) {
+        const auto width = static_cast<std::size_t>(job_.grid.width);
+        for (int sample = 0; sample < samples; ++sample) {
+            voxels_[sample] = job_.grid.slices[indexes_.z[sample][row]]
+                              + std::size_t{Format::kBytes} * indexes_.plane[sample][row];
+        }
+        if (width >= kRays) return;
+        for (int sample = 0; sample < samples; ++sample) {
+            __builtin_memcpy(shortRows_[sample], voxels_[sample], Format::kBytes * width);
+            voxels_[sample] = shortRows_[sample];
+        }
+    }
+
+    // False when no further sample can change these rays.
+    Z3D_INLINE bool ReduceStretch(int row, std::int32_t group, int samples) {
+        Lanes lanes[kTogether];
+        std::int32_t base[kTogether];
+        Bytes isLive = {};
+#pragma GCC unroll 4
+        for (int part = 0; part < kTogether; ++part) {
+            lanes[part] = lanes_[row][group + part];
+            base[part] = base_[group + part];
+            isLive |= ~rule_.Ended(lanes[part]);
+            if constexpr (Rule::kUsesIndexes) Describe(row, base[part], samples);
+        }
+        if (!AnySet(isLive)) return false;
+        for (int sample = 0; sample < samples; ++sample) {
+#pragma GCC unroll 4
+            for (int part = 0; part < kTogether; ++part) {
+                const auto voxels =
+                    LoadSixteen<Format>(voxels_[sample] + base[part] * Format::kBytes, {&described_, sample});
+                rule_.Sample(voxels, AllBytes(0xFF), lanes[part]);
+            }
+        }
+#pragma GCC unroll 4
+        for (int part = 0; part < kTogether; ++part) {
+            rule_.EndStretch(lanes[part]);
+            lanes_[row][group + part] = lanes[part];
+        }
+        return true;
+    }
+
+    // Where the voxels of a group lie, from those of column 0.
+    void Describe(int row, std::int32_t base, int samples) {
+        for (int sample = 0; sample < samples; ++sample) {
+            for (std::int32_t ray = 0; ray < kRays; ++ray) {
+                const std::int32_t column = nearest_.Clamp(base + ray, 0);
+                described_.z[sample][ray] = indexes_.z[sample][row];
+                described_.plane[sample][ray] =
+                    indexes_.plane[sample][row] + static_cast<std::uint32_t>(column);
+                if constexpr (Rule::kUsesPositions) {
+                    described_.position[0][sample][ray] = static_cast<float>(base + ray);
+                    described_.position[1][sample][ray] = indexes_.position[1][sample][row];
+                    described_.position[2][sample][ray] = indexes_.position[2][sample][row];
+                }
             }
         }
     }
+
+    void FinishColumns(std::int32_t top) {
+        for (int row = 0; row < kRays; ++row) {
+            if (strip_.samples[row] <= 0) continue;
+            float* pixels = PixelsOf(top + row);
+            for (std::int32_t group = 0; group < groups_; ++group) {
+                for (std::int32_t ray = 0; ray < kRays; ++ray) {
+                    const std::int32_t column = base_[group] + ray;
+                    if (column >= firstColumn_ && column <= lastColumn_)
+                        rule_.Finish(lanes_[row][group], ray, pixels + 3 * column);
+                }
+            }
+        }
+    }
+
+    struct Strip {
+        Positions starts;
+        std::int32_t samples[kRays]; // 0 for a row without
+        std::int32_t longest;
+    };
 
     const ProjectionJob& job_;
     const RayGeometry& geometry_;
     const Rule rule_;
     const NearestIndex nearest_;
+    const IndexWalk walk_;
     std::int32_t firstColumn_ = 0;
     std::int32_t lastColumn_ = -1;
-    Indexes indexes_;
+    Strip strip_ = {};
+    std::int32_t groups_ = 0;
+    std::int32_t base_[kGroups]; // first column
+    Indexes indexes_;            // of column 0; here a lane is an output row
+    Indexes described_;          // of the columns of one group, for rules that ask for it
+    const std::uint8_t* voxels_[kSamples];
+    std::uint8_t shortRows_[kSamples][kRays * Format::kBytes] = {};
+    Lanes lanes_[kRays][kGroups];
 };
 
 } // namespace z3d::render::Z3D_ISA

@@ -128,17 +128,13 @@ struct Rgb {
     }
 };
 
-// Sixteen voxels side by side, of which `columns` exist; the last one is repeated beyond them.
+// Sixteen voxels side by side.
 template <class Format>
-Z3D_INLINE typename Format::Sample LoadRow(const std::uint8_t* voxels, std::int32_t columns,
-                                           SampleIndexes at);
+Z3D_INLINE typename Format::Sample LoadSixteen(const std::uint8_t* voxels, SampleIndexes at);
 
 template <>
-Z3D_INLINE GreySample LoadRow<Grey>(const std::uint8_t* voxels, std::int32_t columns, SampleIndexes at) {
-    if (columns == kRays) return {ToBytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(voxels))), at};
-    Bytes value = AllBytes(voxels[columns - 1]);
-    __builtin_memcpy(&value, voxels, static_cast<std::size_t>(columns));
-    return {value, at};
+Z3D_INLINE GreySample LoadSixteen<Grey>(const std::uint8_t* voxels, SampleIndexes at) {
+    return {ToBytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(voxels))), at};
 }
 
 // The channels of sixteen voxels: 48 bytes, riffled four times. A riffle moves byte i to 2i mod 47, so four of them
@@ -155,23 +151,10 @@ Z3D_INLINE void SplitChannels(Bytes (&bytes)[3]) {
     }
 }
 
-// The 48 bytes of sixteen RGB voxels side by side, of which `columns` exist; the last one is repeated once.
-Z3D_INLINE void LoadColours(const std::uint8_t* voxels, std::int32_t columns, Bytes (&bytes)[3]) {
-    if (columns == kRays) {
-        __builtin_memcpy(&bytes, voxels, sizeof bytes);
-        return;
-    }
-    std::uint8_t filled[3 * (kRays + 1)] = {};
-    const auto existing = static_cast<std::size_t>(3 * columns);
-    __builtin_memcpy(filled, voxels, existing);
-    __builtin_memcpy(filled + existing, voxels + existing - 3, 3);
-    __builtin_memcpy(&bytes, filled, sizeof bytes);
-}
-
 template <>
-Z3D_INLINE RgbSample LoadRow<Rgb>(const std::uint8_t* voxels, std::int32_t columns, SampleIndexes at) {
+Z3D_INLINE RgbSample LoadSixteen<Rgb>(const std::uint8_t* voxels, SampleIndexes at) {
     Bytes channel[3];
-    LoadColours(voxels, columns, channel);
+    __builtin_memcpy(&channel, voxels, sizeof channel);
     SplitChannels(channel);
     return {{channel[0], channel[1], channel[2]}, at};
 }

@@ -95,9 +95,9 @@ struct Layered : SurfaceRule<VoxelFormat> {
 
 } // namespace
 
-void FirstSurfaceGrey(const ProjectionJob& job) { RenderWith(job, First<Grey>(job)); }
-void FirstSurfaceRgb(const ProjectionJob& job) { RenderWith(job, First<Rgb>(job)); }
-void LayeredSurfaceGrey(const ProjectionJob& job) { RenderWith(job, Layered<Grey>(job)); }
-void LayeredSurfaceRgb(const ProjectionJob& job) { RenderWith(job, Layered<Rgb>(job)); }
+void FirstSurfaceGrey(const ProjectionJob& job) { RenderPackets(job, First<Grey>(job), job.grid); }
+void FirstSurfaceRgb(const ProjectionJob& job) { RenderPackets(job, First<Rgb>(job), job.grid); }
+void LayeredSurfaceGrey(const ProjectionJob& job) { RenderPackets(job, Layered<Grey>(job), job.grid); }
+void LayeredSurfaceRgb(const ProjectionJob& job) { RenderPackets(job, Layered<Rgb>(job), job.grid); }
 
 } // namespace z3d::render::Z3D_ISA
