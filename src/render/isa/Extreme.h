@@ -20,7 +20,8 @@ struct ExtremeRule : RuleDefaults {
     explicit ExtremeRule(const ProjectionJob& job)
         : window(InclusiveRange(kLargestGrey, job.low, job.high)) {}
 
-    Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
+    template <class AnyGrey>
+    Z3D_INLINE void Sample(const AnyGrey& sample, Bytes isValid, Lanes& lanes) const {
         const Bytes accepted = window.Accepts(sample) & isValid;
         lanes.largest = Larger(lanes.largest, Derived::RankOf(sample.value) & accepted);
         lanes.isFound |= accepted;

@@ -120,9 +120,13 @@ private:
             for (std::int32_t group = 0; group < groups_; ++group)
                 row[group] = Lanes{};
         }
-        ReduceStretches();
+        if constexpr (TakesAccepted<Rule>) {
+            if (rule_.window.IsFull()) return ReduceStretches<true>();
+        }
+        ReduceStretches<false>();
     }
 
+    template <bool kAccepted>
     void ReduceStretches() {
         Positions positions = strip_.starts;
         bool isLive = true;
@@ -135,7 +139,7 @@ private:
                 const int samples = left < kSamples ? left : kSamples;
                 FindVoxels(row, samples);
                 for (std::int32_t group = 0; group < groups_; group += kTogether)
-                    isLive |= ReduceStretch(row, group, samples);
+                    isLive |= ReduceStretch<kAccepted>(row, group, samples);
             }
         }
     }
@@ -155,6 +159,7 @@ private:
     }
 
     // False when no further sample can change these rays.
+    template <bool kAccepted>
     Z3D_INLINE bool ReduceStretch(int row, std::int32_t group, int samples) {
         Lanes lanes[kTogether];
         std::int32_t base[kTogether];
@@ -172,7 +177,11 @@ private:
             for (int part = 0; part < kTogether; ++part) {
                 const auto voxels =
                     LoadSixteen<Format>(voxels_[sample] + base[part] * Format::kBytes, {&described_, sample});
-                rule_.Sample(voxels, AllBytes(0xFF), lanes[part]);
+                if constexpr (kAccepted) {
+                    rule_.Sample(AcceptedGrey{voxels.value}, AllBytes(0xFF), lanes[part]);
+                } else {
+                    rule_.Sample(voxels, AllBytes(0xFF), lanes[part]);
+                }
             }
         }
 #pragma GCC unroll 4

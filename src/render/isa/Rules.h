@@ -3,7 +3,8 @@
 //   Format      Grey or Rgb
 //   Lanes       what sixteen rays carry from sample to sample; starts from zeroes
 //   window      the voxel values that can contribute at all
-//   Sample      what one sample does to the rays of the mask
+//   Sample      what one sample does to the rays of the mask; as a template, it is handed samples that need
+//               no window test, too, where the window accepts every value
 //   Finish      the pixel of one ray that had samples; it holds kInitial before
 //
 // Each lane does what a ray by itself would do, in the same order, so results are the same to the last bit
@@ -47,6 +48,12 @@ struct RuleDefaults {
     // After every 16 samples, and after the last one.
     template <class Lanes>
     Z3D_INLINE void EndStretch(Lanes&) const {}
+};
+
+// Whether the sample of a rule is such a template. Worth its size where a sample costs little else.
+template <class Rule>
+constexpr bool TakesAccepted = requires(const Rule& rule, typename Rule::Lanes& lanes) {
+    rule.Sample(AcceptedGrey{}, Bytes{}, lanes);
 };
 
 // For rules that keep a largest value: the rays whose bound is above what they have. Bounds are one more than

@@ -31,6 +31,11 @@ struct GreySample {
     SampleIndexes at;
 };
 
+// The same under a window that accepts every value.
+struct AcceptedGrey {
+    Bytes value;
+};
+
 struct RgbSample {
     Bytes channel[3];
     SampleIndexes at;
@@ -55,9 +60,11 @@ public:
           first_(AllBytes(static_cast<std::uint8_t>(range.first))),
           span_(AllBytes(static_cast<std::uint8_t>(range.last - range.first))) {}
     bool IsEmpty() const { return range_.IsEmpty(); }
+    bool IsFull() const { return range_.first == 0 && range_.last == kLargestGrey; }
     const ValueRange& Range() const { return range_; }
 
     // 0xFF for the rays whose sample is accepted. The window must not be empty.
+    Z3D_INLINE static Bytes Accepts(const AcceptedGrey&) { return AllBytes(0xFF); }
     Z3D_INLINE Bytes Accepts(const GreySample& sample) const {
         if (isFull_) return AllBytes(0xFF);
         const Bytes above = sample.value - first_;

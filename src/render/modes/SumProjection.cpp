@@ -20,7 +20,8 @@ struct SumGrey : RuleDefaults {
     GreyWindow window;
     bool isExact; // no sum can pass 2^24
 
-    Z3D_INLINE void Sample(const GreySample& sample, Bytes isValid, Lanes& lanes) const {
+    template <class AnyGrey>
+    Z3D_INLINE void Sample(const AnyGrey& sample, Bytes isValid, Lanes& lanes) const {
         const Bytes accepted = window.Accepts(sample) & isValid;
         lanes.sum.Add(sample.value & accepted, isExact);
         lanes.isFound |= accepted;
