@@ -108,6 +108,27 @@ TEST_P(CropFaces, BesideTheVolume) {
     }
 }
 
+// Steps of half a voxel shorten the ray: its ends, one step beyond the depth of the view, are then at -2.5 and 2.5,
+// where the faces of 7 to 12 out of 18 voxels lie. An end on a face counts as a crossing.
+TEST_P(CropFaces, AtTheEndsOfTheRays) {
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        std::array<int, 3> sides = {5, 6, 5};
+        sides[axis] = 18;
+        const ComparedVolume compared(NoiseVolume(Size(sides[0], sides[1], sides[2]), 5));
+        for (const bool isBackwards : {false, true}) {
+            Rotation view = Rounded(LookingAlong(static_cast<int>(axis), isBackwards));
+            view[6 + axis] *= 0.5f;
+            for (const Interval& interval :
+                 {Interval{7, 12}, Interval{7, 13}, Interval{6, 12}, Interval{7, 11}, Interval{8, 12}}) {
+                std::array<Interval, 3> box = {Interval{1, 5}, Interval{1, 6}, Interval{1, 5}};
+                box[axis] = interval;
+                const reference::Request request = Cropped(ViewOf(compared.Plain(), view), box);
+                ASSERT_TRUE(compared.IsRenderedAlike(request));
+            }
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(AllKernels, CropFaces, ::testing::ValuesIn(AllKernels()),
                          ::testing::PrintToStringParamName());
 

@@ -1,6 +1,5 @@
 #include "render/KernelDifferential.h"
 
-#include "reference/ReferenceRay.h"
 #include "render/InstructionSet.h"
 #include "support/ProductRenderer.h"
 #include "support/SameBits.h"
@@ -18,20 +17,6 @@ std::vector<KernelCase> AllKernels() {
             {"MinRgb", 1, 0, 3},       {"SumRgb", 2, 0, 3},        {"SurfaceRgb", 3, 0, 3},
             {"LayersRgb", 3, 0.5f, 3}, {"BlendRgb", 4, 0.5f, 3},   {"ContrastRgb", 5, 0, 3},
             {"FirstHitRgb", 6, 0, 3}};
-}
-
-RayCount CountRays(const reference::Volume& volume, const reference::Request& request) {
-    RayCount rays = {0, 0};
-    const auto frame = reference::BuildFrame(volume, request);
-    for (int j = 0; j < frame->outputSize[1]; ++j) {
-        for (int i = 0; i < frame->outputSize[0]; ++i) {
-            const auto ray = reference::TraceRay(*frame, i, j);
-            if (!ray) continue;
-            rays.samples += ray->lastDepth - ray->firstDepth + 1;
-            rays.single += ray->lastDepth == ray->firstDepth;
-        }
-    }
-    return rays;
 }
 
 ::testing::AssertionResult ComparedVolume::IsRenderedAlike(const reference::Request& request) const {

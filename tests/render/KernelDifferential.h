@@ -25,14 +25,6 @@ std::ostream& operator<<(std::ostream& out, const KernelCase& kernel);
 // All seven modes and both kinds of surface, first in grey, then in colour.
 std::vector<KernelCase> AllKernels();
 
-// Samples of all rays, and how many rays have exactly one: tests make sure with it that their views are what they
-// are meant to be.
-struct RayCount {
-    long long samples;
-    int single;
-};
-RayCount CountRays(const reference::Volume& volume, const reference::Request& request);
-
 // A volume in both forms.
 class ComparedVolume {
 public:

@@ -32,24 +32,26 @@ protected:
         return Rounded(Product(AboutAxis(axis, SmallAngle(degrees)), view));
     }
 
-    // Volumes of more voxels on an axis than crop bounds can name. Made once for all kernels of a format: blocks of
-    // memory for tens of thousands of slices take longer than many projections.
+    // Volumes of more voxels on an axis than crop bounds can name.
     static const ComparedVolume& HugeVolume(int axis) {
-        auto& volume = hugeVolumes_[static_cast<std::size_t>(axis)];
-        if (volume && volume->Plain().bytesPerVoxel != BytesPerVoxel()) {
-            for (auto& other : hugeVolumes_)
-                other.reset();
-        }
-        if (!volume) {
+        return Kept(axis, [axis] {
             RandomSource random(static_cast<std::uint32_t>(axis));
-            volume = std::make_unique<ComparedVolume>(LongVolume(axis, {40000, 2, 3}, 40, random));
-        }
-        return *volume;
+            return LongVolume(axis, {40000, 2, 3}, 3000, random);
+        });
     }
-    static void TearDownTestSuite() {
-        for (auto& volume : hugeVolumes_)
-            volume.reset();
+    // One slice of 17 million voxels, noise in the far corner and nothing else.
+    static const ComparedVolume& WideVolume() {
+        return Kept(3, [] {
+            RandomSource random(5);
+            reference::Volume wide = EmptyVolume(Size(4100, 4110, 1));
+            for (int y = 4070; y < 4110; ++y) {
+                for (int x = 4060; x < 4100; ++x)
+                    SetVoxel(wide, x, y, 0, {random.Below(256), random.Below(256), random.Below(256)});
+            }
+            return wide;
+        });
     }
+    static void TearDownTestSuite() { ForgetVolumes(); }
 
     // A small tilt whose size is spread over its magnitudes.
     static double RandomTilt(RandomSource& random, double largest) {
@@ -74,7 +76,21 @@ protected:
     }
 
 private:
-    static inline std::array<std::unique_ptr<const ComparedVolume>, 3> hugeVolumes_;
+    // Made once for all kernels of a format: blocks of memory for tens of thousands of slices take longer than many
+    // projections.
+    template <class Make>
+    static const ComparedVolume& Kept(int index, Make make) {
+        auto& volume = volumes_[static_cast<std::size_t>(index)];
+        if (volume && volume->Plain().bytesPerVoxel != BytesPerVoxel()) ForgetVolumes();
+        if (!volume) volume = std::make_unique<const ComparedVolume>(make());
+        return *volume;
+    }
+    static void ForgetVolumes() {
+        for (auto& volume : volumes_)
+            volume.reset();
+    }
+
+    static inline std::array<std::unique_ptr<const ComparedVolume>, 4> volumes_;
 };
 
 TEST_P(LongAxes, RaysAlongMoreThanAThousandVoxels) {
@@ -117,6 +133,40 @@ TEST_P(LongAxes, OfMoreVoxelsThanCropBoundsCanName) {
             if (axis == 2) request.z0 = 32700;
             ASSERT_TRUE(compared.IsRenderedAlike(request)) << "axis " << axis;
         }
+    }
+}
+
+// Fifteen steps are a whole number of voxels but for a millionth; their sum, rounded at each step to 1/512 of a voxel,
+// is more than that: a stretch reaches a voxel farther than its exact length says. A host's matrix may have such a
+// step, whose rays are cut only where crop faces lie within its shorter depth.
+TEST_P(LongAxes, StepsWhoseRoundedSumReachesOneVoxelFarther) {
+    RandomSource random(5);
+    for (int axis = 0; axis < 3; ++axis) {
+        const ComparedVolume& compared = HugeVolume(axis);
+        for (int index = 0; index < 6; ++index) {
+            const DoubleMatrix along = LookingAlong(axis, random.Chance(2));
+            Rotation view = Rounded(Product(AboutAxis(2, Quarters(1)), along));
+            const float step = (index == 0 ? 14.0f : 12.0f) / 15.0f * 0.999999f;
+            for (std::size_t element = 6; element < 9; ++element)
+                view[element] *= step;
+            reference::Request request = ViewOf(compared.Plain(), view, 9.5f, 766.0f);
+            const auto first = static_cast<std::int16_t>(random.Between(15000, 16000));
+            (axis == 0 ? request.x0 : axis == 1 ? request.y0 : request.z0) = first;
+            (axis == 0 ? request.x1 : axis == 1 ? request.y1 : request.z1) = 32600;
+            ASSERT_TRUE(compared.IsRenderedAlike(request)) << "axis " << axis << ", view " << index;
+        }
+    }
+}
+
+// Indexes within a slice pass 2^24, beyond which single precision does not have every whole number. Rays run along
+// a row of the far corner.
+TEST_P(LongAxes, SlicesOfMoreVoxelsThanFloatsCount) {
+    const ComparedVolume& compared = WideVolume();
+    for (const double degrees : {0.0, 0.01}) {
+        reference::Request request = ViewOf(compared.Plain(), Tilted(LookingAlong(0, true), 2, degrees));
+        request.x0 = 4070;
+        request.y0 = 4080;
+        ASSERT_TRUE(compared.IsRenderedAlike(request)) << degrees << " degrees";
     }
 }
 

@@ -2,10 +2,25 @@
 // makes two of it.
 #include "render/KernelDifferential.h"
 
+#include "reference/ReferenceRay.h"
+
 namespace {
 
 using namespace z3d;
 using namespace z3d::test;
+
+// How many rays have exactly one sample: the tests make sure with it that their views are what they are meant to be.
+int CountSingles(const reference::Volume& volume, const reference::Request& request) {
+    int singles = 0;
+    const auto frame = reference::BuildFrame(volume, request);
+    for (int j = 0; j < frame->outputSize[1]; ++j) {
+        for (int i = 0; i < frame->outputSize[0]; ++i) {
+            const auto ray = reference::TraceRay(*frame, i, j);
+            singles += ray && ray->lastDepth == ray->firstDepth;
+        }
+    }
+    return singles;
+}
 
 class OneSampleRays : public KernelDifferential {
 protected:
@@ -37,7 +52,7 @@ TEST_P(OneSampleRays, OneVoxelOfTheCrop) {
         const int z = random.Between(1, 19);
         SetCrop(request, {x, x, y, y, z, z});
         ASSERT_TRUE(compared.IsRenderedAlike(request));
-        singles += CountRays(compared.Plain(), request).single;
+        singles += CountSingles(compared.Plain(), request);
     }
     EXPECT_GT(singles, 10);
 }
@@ -57,7 +72,7 @@ TEST_P(OneSampleRays, OneSliceOfTheCropOnEachAxis) {
         crop[first] = crop[first + 1] = random.Between(1, 17);
         SetCrop(request, crop);
         ASSERT_TRUE(compared.IsRenderedAlike(request));
-        singles += CountRays(compared.Plain(), request).single;
+        singles += CountSingles(compared.Plain(), request);
     }
     EXPECT_GT(singles, 1000);
 }
@@ -72,7 +87,7 @@ TEST_P(OneSampleRays, VolumesOfOneSlice) {
         const auto kind = static_cast<RotationKind>(random.Below(kRotationKinds));
         const reference::Request request = ViewOf(compared.Plain(), RandomRotation(random, kind));
         ASSERT_TRUE(compared.IsRenderedAlike(request));
-        singles += CountRays(compared.Plain(), request).single;
+        singles += CountSingles(compared.Plain(), request);
     }
     EXPECT_GT(singles, 1000);
 }
@@ -86,7 +101,7 @@ TEST_P(OneSampleRays, GrazedEdgesAndCorners) {
             for (int second = -1; second < 3; ++second) {
                 reference::Request request = ViewOf(compared.Plain(), EighthTurn(axis, second));
                 ASSERT_TRUE(compared.IsRenderedAlike(request));
-                singles += CountRays(compared.Plain(), request).single;
+                singles += CountSingles(compared.Plain(), request);
                 SetCrop(request, {1, side, 2, side - 1, 1, side});
                 ASSERT_TRUE(compared.IsRenderedAlike(request));
             }

@@ -88,6 +88,19 @@ TEST_P(UnevenMatrices, ShearedAcrossX) {
     }
 }
 
+// A ray of so many samples that a sum of bytes passes 2^24, where single precision loses whole numbers: by a row
+// that makes them 200 voxels apart, most of them beyond the border.
+TEST_P(UnevenMatrices, SumsBeyondTheWholeNumbersOfAFloat) {
+    reference::Volume volume = ConstantVolume(Size(2, 1, 420), 255);
+    SetVoxel(volume, 0, 0, 419, {253, 252, 251});
+    const ComparedVolume compared(std::move(volume));
+    Rotation rotation = kIdentity;
+    rotation[8] = 200.0f;
+    ASSERT_TRUE(compared.IsRenderedAlike(ViewOf(compared.Plain(), rotation)));
+    rotation[0] = rotation[4] = -1.0f;
+    ASSERT_TRUE(compared.IsRenderedAlike(ViewOf(compared.Plain(), rotation)));
+}
+
 INSTANTIATE_TEST_SUITE_P(AllKernels, UnevenMatrices, ::testing::ValuesIn(AllKernels()),
                          ::testing::PrintToStringParamName());
 
