@@ -8,6 +8,7 @@
 // Each row ends in two ratios: how many times faster than the plain form, and how many times slower than the
 // floor. The floor of a primitive is a memcpy that moves as many bytes; that of the pipeline is the reading of the
 // files and the filling of the result's bytes.
+#include "BenchInput.h"
 #include "PairedTimer.h"
 
 #include "compose/RgbImagePipeline.h"
@@ -22,7 +23,6 @@
 #include "primitives/Scale.h"
 #include "primitives/Vector.h"
 #include "reference/PlainPrimitives.h"
-#include "support/ProceduralVolumes.h"
 
 #include <cstdio>
 #include <cstring>
@@ -33,14 +33,9 @@
 namespace {
 
 using namespace z3d;
+using bench::Options;
 using bench::TimeInTurn;
 using primitives::Status;
-
-struct Options {
-    std::string head;
-    std::string only;
-    double seconds = 0.5;
-};
 
 constexpr std::int32_t kWidth = 512;
 constexpr std::int32_t kHeight = 512;
@@ -77,7 +72,7 @@ public:
     // `samples` per call; `bytes` are read and written by it.
     template <class Product, class Plain>
     void Run(const char* name, std::size_t samples, std::size_t bytes, Product product, Plain plain) {
-        if (std::string(name).find(options_.only) == std::string::npos) return;
+        if (!options_.Wants(name)) return;
         if (!SameOutput(product, plain)) std::printf("%s DIFFERS from the plain form\n", name);
         std::vector<std::uint8_t> from(bytes / 2, 1);
         std::vector<std::uint8_t> to(bytes / 2);
@@ -224,7 +219,7 @@ void MeasurePipeline(const reference::Volume& head, const Options& options) {
         for (const std::int16_t diagonal : {kThreeQuarters, kWhole}) {
             const std::string name = std::string("three channels of ") + (is8bit ? "bytes" : "floats")
                                      + (diagonal == kWhole ? "" : ", shrunk to 0.75");
-            if (name.find(options.only) == std::string::npos) continue;
+            if (!options.Wants(name)) continue;
             const ChannelFiles files(head, is8bit);
             ::Volume3D* result = files.Load(head, diagonal);
             const std::vector<double> seconds =
@@ -238,27 +233,11 @@ void MeasurePipeline(const reference::Volume& head, const Options& options) {
     }
 }
 
-reference::Volume LoadHead(const std::string& file) {
-    reference::Volume head = test::BlobVolume({181, 217, 181}, 1);
-    std::ifstream stream(file, std::ios::binary);
-    if (!stream) std::printf("no head given: a smooth phantom of its size instead\n");
-    if (stream)
-        stream.read(reinterpret_cast<char*>(head.voxels.data()),
-                    static_cast<std::streamsize>(head.voxels.size()));
-    return head;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
-    Options options;
-    for (int index = 1; index + 1 < argc; index += 2) {
-        const std::string key = argv[index];
-        if (key == "--head") options.head = argv[index + 1];
-        if (key == "--only") options.only = argv[index + 1];
-        if (key == "--seconds") options.seconds = std::stod(argv[index + 1]);
-    }
-    const reference::Volume head = LoadHead(options.head);
+    const Options options = bench::ReadOptions(argc, argv, 0.5);
+    const reference::Volume head = bench::LoadHead(options.head);
     std::printf("%-44s %8s %8s %7s %8s %7s\n", "ns per sample", "product", "plain", "ratio", "floor",
                 "ratio");
     Images images(head);

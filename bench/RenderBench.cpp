@@ -1,76 +1,35 @@
-// ns per sample of every kernel on every instruction set, and the ratio to the plain form in the same run.
+// ns per sample of every kernel on every instruction set, and the ratio to the plain form in the same run. At the
+// end, how much more a sample costs in a volume of eight times the voxels.
 //
 // Usage: bench_render [--head FILE] [--only TEXT] [--seconds S]
 //   --head   8-bit head of 181 x 217 x 181 voxels without a header (scripts/demo makes build/demo/ch2.raw);
 //            without it a smooth phantom of that size
 //   --only   rows whose name contains the text
+#include "BenchInput.h"
 #include "PairedTimer.h"
 
 #include "frame/Volume3D.h"
 #include "geometry/RotationMatrix.h"
-#include "platform/GlobalMemory.h"
 #include "reference/ReferenceRay.h"
 #include "reference/ReferenceRenderer.h"
 #include "render/InstructionSet.h"
-#include "render/RotProjection.h"
+#include "support/HostVolume.h"
 #include "support/ProceduralVolumes.h"
+#include "support/ProductRenderer.h"
 #include "support/RandomRequests.h"
 
 #include <bit>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
+#include <map>
 #include <string>
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::test;
+using bench::Options;
 using bench::TimeInTurn;
-
-struct Options {
-    std::string head;
-    std::string only;
-    double seconds = 0.6;
-};
-
-class HostVolume {
-public:
-    explicit HostVolume(const reference::Volume& plain)
-        : volume_(frame::GlobalAlloc3D(
-            static_cast<std::uint32_t>(plain.width), static_cast<std::uint32_t>(plain.height),
-            static_cast<std::uint32_t>(plain.depth), static_cast<std::uint32_t>(plain.bytesPerVoxel))) {
-        std::uint8_t*** slices = frame::GlobalLock3D(volume_);
-        const std::size_t bytes = plain.voxels.size() / static_cast<std::size_t>(plain.depth);
-        for (std::size_t z = 0; z < volume_->depth; ++z) {
-            std::memcpy(slices[z][0], plain.voxels.data() + z * bytes, bytes);
-        }
-        frame::GlobalUnlock3D(volume_);
-    }
-    ~HostVolume() { frame::GlobalFree3D(volume_); }
-    HostVolume(const HostVolume&) = delete;
-    HostVolume& operator=(const HostVolume&) = delete;
-    ::Volume3D* Get() const { return volume_; }
-
-private:
-    ::Volume3D* volume_;
-};
-
-float* RenderProduct(::Volume3D* volume, const reference::Request& request) {
-    const render::CropBox crop = {request.x0 - 1, request.x1 - 1, request.y0 - 1,
-                                  request.y1 - 1, request.z0 - 1, request.z1 - 1};
-    std::uint16_t width = 0;
-    std::uint16_t height = 0;
-    return render::GetRotProjection(volume, request.rotation.data(), request.mode, crop,
-                                    {request.high, request.low, std::bit_cast<float>(request.extraBits)},
-                                    &width, &height, 0);
-}
-
-void FreeProjection(float* pixels) {
-    const platform::BlockHandle block = platform::BlockFromAddress(pixels);
-    platform::BlockUnlock(block);
-    platform::BlockFree(block);
-}
 
 Rotation RotationOf(float x, float y, float z) {
     const std::int16_t order[3] = {0, 1, 2};
@@ -103,14 +62,19 @@ struct Row {
     float extra;
 };
 
-void Measure(const reference::Volume& volume, const HostVolume& host, const std::string& volumeName,
-             const Row& row, const Options& options) {
-    const std::string name = volumeName + ": " + row.name;
-    if (name.find(options.only) == std::string::npos) return;
+// ns per sample of each instruction set, by volume and row.
+using Figures = std::map<std::string, std::vector<double>>;
+
+std::string NameOf(const std::string& volume, const Row& row) { return volume + ": " + row.name; }
+
+void Measure(const reference::Volume& volume, const HostVolume& host, const std::string& name, const Row& row,
+             const Options& options, Figures& figures) {
     reference::Request request = PlainRequest(volume, row.mode, RotationOf(row.x, row.y, row.z));
     request.low = row.low;
     request.high = row.high;
     request.extraBits = std::bit_cast<std::uint32_t>(row.extra);
+    std::uint16_t width = 0;
+    std::uint16_t height = 0;
 
     const reference::Projection expected = reference::Render(volume, request);
     std::vector<std::function<void()>> candidates = {[&] { (void)reference::Render(volume, request); }};
@@ -118,11 +82,11 @@ void Measure(const reference::Volume& volume, const HostVolume& host, const std:
         if (set > render::BestInstructionSet()) continue;
         candidates.push_back([&, set] {
             render::ForceInstructionSet(set);
-            FreeProjection(RenderProduct(host.Get(), request));
+            FreeProjection(RenderPixels(host.Get(), request, width, height));
         });
         // A fast wrong answer is worth nothing.
         render::ForceInstructionSet(set);
-        float* pixels = RenderProduct(host.Get(), request);
+        float* pixels = RenderPixels(host.Get(), request, width, height);
         if (std::memcmp(pixels, expected.pixels.data(), expected.pixels.size() * sizeof(float)) != 0) {
             std::printf("%-46s DIFFERS from the plain form\n", name.c_str());
         }
@@ -132,22 +96,40 @@ void Measure(const reference::Volume& volume, const HostVolume& host, const std:
     const double samples = CountSamples(volume, request);
     std::printf("%-46s %6.2f", name.c_str(), seconds[0] / samples * 1e9);
     for (std::size_t index = 1; index < seconds.size(); ++index) {
-        std::printf("  %6.3f %5.1fx", seconds[index] / samples * 1e9, seconds[0] / seconds[index]);
+        figures[name].push_back(seconds[index] / samples * 1e9);
+        std::printf("  %6.3f %5.1fx", figures[name].back(), seconds[0] / seconds[index]);
     }
     std::printf("\n");
     std::fflush(stdout);
 }
 
-reference::Volume LoadHead(const std::string& file) {
-    reference::Volume head = BlobVolume({181, 217, 181}, 1);
-    std::ifstream stream(file, std::ios::binary);
-    if (stream) {
-        stream.read(reinterpret_cast<char*>(head.voxels.data()),
-                    static_cast<std::streamsize>(head.voxels.size()));
-    } else {
-        std::printf("no head given: a smooth phantom of its size instead\n");
+// A volume is made where one of its rows is wanted.
+template <class Make>
+void MeasureRows(const std::string& volumeName, const std::vector<Row>& rows, const Options& options,
+                 Figures& figures, Make make) {
+    std::vector<Row> wanted;
+    for (const Row& row : rows) {
+        if (options.Wants(NameOf(volumeName, row))) wanted.push_back(row);
     }
-    return head;
+    if (wanted.empty()) return;
+    const reference::Volume volume = make();
+    const HostVolume host(volume);
+    for (const Row& row : wanted)
+        Measure(volume, host, NameOf(volumeName, row), row, options, figures);
+}
+
+// Per instruction set, the rows of one volume divided by the same rows of another one.
+void PrintGrowth(const Figures& figures, const std::string& large, const std::string& small,
+                 const std::vector<Row>& rows) {
+    for (const Row& row : rows) {
+        const auto over = figures.find(NameOf(large, row));
+        const auto under = figures.find(NameOf(small, row));
+        if (over == figures.end() || under == figures.end()) continue;
+        std::printf("%-46s       ", (large + " / " + small + ": " + row.name).c_str());
+        for (std::size_t index = 0; index < over->second.size(); ++index)
+            std::printf("  %6.2f       ", over->second[index] / under->second[index]);
+        std::printf("\n");
+    }
 }
 
 // Three shifted copies as channels.
@@ -187,13 +169,7 @@ void MeasureSweep(const reference::Volume& volume, const std::string& name, cons
 } // namespace
 
 int main(int argc, char** argv) {
-    Options options;
-    for (int index = 1; index + 1 < argc; index += 2) {
-        const std::string key = argv[index];
-        if (key == "--head") options.head = argv[index + 1];
-        if (key == "--only") options.only = argv[index + 1];
-        if (key == "--seconds") options.seconds = std::stod(argv[index + 1]);
-    }
+    const Options options = bench::ReadOptions(argc, argv, 0.6);
 
     const std::vector<Row> greyRows = {
         {"max", 0, 30, 40, 50, 0, 255, 0},
@@ -227,28 +203,39 @@ int main(int argc, char** argv) {
         {"blend", 4, 30, 40, 50, 0, 765, 0.9f},     {"contrast", 5, 30, 40, 50, -1, 766, 0},
         {"first hit", 6, 30, 40, 50, 300, 765, 0},
     };
-    const std::vector<Row> cubeRows = {
+    // Without the small turn: as many rows as the plain form has time for in a large volume.
+    const std::vector<Row> largeRows = {
         {"max", 0, 30, 40, 50, 0, 765, 0},          {"max identity", 0, 0, 0, 0, 0, 765, 0},
         {"max 90 about x", 0, 90, 0, 0, 0, 765, 0}, {"max 90 about y", 0, 0, 90, 0, 0, 765, 0},
-        {"max 90 about z", 0, 0, 0, 90, 0, 765, 0}, {"max 5 about x", 0, 5, 0, 0, 0, 765, 0},
+        {"max 90 about z", 0, 0, 0, 90, 0, 765, 0},
     };
+    std::vector<Row> cubeRows = largeRows;
+    cubeRows.push_back({"max 5 about x", 0, 5, 0, 0, 0, 765, 0});
+    // Nothing to skip anywhere.
+    std::vector<Row> noiseRows = cubeRows;
+    noiseRows.insert(noiseRows.end(), {{"sum", 2, 30, 40, 50, 0, 255, 0},
+                                       {"blend", 4, 30, 40, 50, 0, 255, 0.9f},
+                                       {"surface", 3, 30, 40, 50, 80, 255, 0},
+                                       {"layers", 3, 30, 40, 50, 80, 255, 0.5f},
+                                       {"contrast", 5, 30, 40, 50, -1, 256, 0},
+                                       {"first hit", 6, 30, 40, 50, 100, 120, 0}});
 
     std::printf("ns per sample: plain form | SSE2, AVX2, AVX-512 where the processor has them, each with its "
                 "ratio\n");
-    const auto run = [&](const reference::Volume& volume, const std::string& name,
-                         const std::vector<Row>& rows) {
-        const HostVolume host(volume);
-        for (const Row& row : rows)
-            Measure(volume, host, name, row, options);
+    Figures figures;
+    const auto run = [&](const std::string& name, const std::vector<Row>& rows, const auto& make) {
+        MeasureRows(name, rows, options, figures, make);
     };
-    const reference::Volume head = LoadHead(options.head);
+    const reference::Volume head = bench::LoadHead(options.head);
     MeasureSweep(head, "head", options);
-    run(head, "head", greyRows);
-    run(ColourOf(head), "head RGB", colourRows);
-    run(BlobVolume({256, 256, 256}, 2), "smooth 256", cubeRows);
-    run(ColourOf(BlobVolume({256, 256, 256}, 2)), "smooth 256 RGB", cubeRows);
-    run(NoiseVolume({256, 256, 256}, 3), "noise 256", cubeRows);
-    run(BlobVolume({32, 32, 32}, 4), "smooth 32", cubeRows);
-    run(BlobVolume({64, 64, 64}, 5), "smooth 64", cubeRows);
+    run("head", greyRows, [&] { return head; });
+    run("head RGB", colourRows, [&] { return ColourOf(head); });
+    run("smooth 256", cubeRows, [] { return BlobVolume({256, 256, 256}, 2); });
+    run("smooth 256 RGB", cubeRows, [] { return ColourOf(BlobVolume({256, 256, 256}, 2)); });
+    run("noise 256", noiseRows, [] { return NoiseVolume({256, 256, 256}, 3); });
+    run("smooth 32", cubeRows, [] { return BlobVolume({32, 32, 32}, 4); });
+    run("smooth 64", cubeRows, [] { return BlobVolume({64, 64, 64}, 5); });
+    run("smooth 512", largeRows, [] { return BlobVolume({512, 512, 512}, 2); });
+    PrintGrowth(figures, "smooth 512", "smooth 256", largeRows);
     return 0;
 }

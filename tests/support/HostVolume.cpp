@@ -2,10 +2,9 @@
 
 #include "frame/Volume3D.h"
 
-#include <gtest/gtest.h>
-
 #include <cstddef>
 #include <cstring>
+#include <new>
 
 namespace z3d::test {
 
@@ -23,7 +22,7 @@ HostVolume::HostVolume(const reference::Volume& plain)
 HostVolume::HostVolume(std::uint32_t width, std::uint32_t height, std::uint32_t depth,
                        std::uint32_t bytesPerVoxel)
     : volume_(frame::GlobalAlloc3D(width, height, depth, bytesPerVoxel)) {
-    EXPECT_NE(volume_, nullptr);
+    if (volume_ == nullptr) throw std::bad_alloc();
 }
 
 HostVolume::~HostVolume() { frame::GlobalFree3D(volume_); }

@@ -11,7 +11,7 @@ namespace z3d::test {
 
 class HostVolume {
 public:
-    // The same voxels as the plain volume. Fails the test when memory is short.
+    // The same voxels as the plain volume. Throws std::bad_alloc when memory is short, as the other one does.
     explicit HostVolume(const reference::Volume& plain);
     // Zeroes.
     HostVolume(std::uint32_t width, std::uint32_t height, std::uint32_t depth, std::uint32_t bytesPerVoxel);

@@ -15,15 +15,20 @@ void FreeProjection(float* pixels) {
     platform::BlockFree(block);
 }
 
-reference::Projection RenderProduct(::Volume3D* volume, const reference::Request& request) {
+float* RenderPixels(::Volume3D* volume, const reference::Request& request, std::uint16_t& width,
+                    std::uint16_t& height) {
     const render::CropBox crop = {request.x0 - 1, request.x1 - 1, request.y0 - 1,
                                   request.y1 - 1, request.z0 - 1, request.z1 - 1};
     const render::RenderArguments arguments = {request.high, request.low,
                                                std::bit_cast<float>(request.extraBits)};
+    return render::GetRotProjection(volume, request.rotation.data(), request.mode, crop, arguments, &width,
+                                    &height, 0);
+}
+
+reference::Projection RenderProduct(::Volume3D* volume, const reference::Request& request) {
     std::uint16_t width = 0xAAAA;
     std::uint16_t height = 0xAAAA;
-    float* pixels = render::GetRotProjection(volume, request.rotation.data(), request.mode, crop, arguments,
-                                             &width, &height, 0);
+    float* pixels = RenderPixels(volume, request, width, height);
     reference::Projection projection;
     projection.width = width;
     projection.height = height;
