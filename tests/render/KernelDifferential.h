@@ -10,6 +10,7 @@
 
 #include <array>
 #include <ostream>
+#include <utility>
 #include <vector>
 
 namespace z3d::test {

@@ -9,7 +9,7 @@ using namespace z3d::test;
 
 class SmallOutputs : public KernelDifferential {
 protected:
-    // All four volumes of a shape's sides in both orders of x and y, seen along the longest axis.
+    // `along` on each axis in turn, seen along it from both ends.
     static void ExpectAlike(int across, int down, int along, std::uint32_t seed) {
         const std::array<VolumeSize, 3> sizes = {Size(along, across, down), Size(across, along, down),
                                                  Size(across, down, along)};

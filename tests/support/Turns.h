@@ -20,7 +20,7 @@ struct Angle {
 // From the tangent of half the angle: exact quotients instead of sines.
 constexpr Angle FromHalfTangent(double t) { return {(1.0 - t * t) / (1.0 + t * t), 2.0 * t / (1.0 + t * t)}; }
 
-// About that many degrees, for small ones: 1e-4 of an angle of 1 degree too few.
+// About that many degrees: too few by 3e-5 of the angle at 1 degree, by a hundredth of it at 20.
 constexpr Angle SmallAngle(double degrees) { return FromHalfTangent(degrees * 0.008726646259971648); }
 
 // Quarter turns, with exact zeros.
