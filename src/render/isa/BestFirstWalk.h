@@ -30,7 +30,7 @@ public:
         for (nextRow = 0; nextRow < bottom; nextRow += kTileSide) {
             if (seen_ >= kTrial && looked_ * 2 > seen_) return false;
             __builtin_memset(job_.stripScratch, 0, StripScratchBytes(right));
-            rays_.TrimRows(nextRow);
+            rays_.TrimRows(nextRow, kTileSide);
             for (std::int32_t tile = 0; tile < right; tile += kTileSide) {
                 for (std::int32_t row = 0; row < kTileSide && nextRow + row < bottom; row += kPacketSide) {
                     for (std::int32_t left = tile; left < tile + kTileSide && left < right;
@@ -73,7 +73,7 @@ private:
     }
 
     void LookAtPacket(const Packet& packet, std::int32_t band, std::int32_t row, std::int32_t left) {
-        ExtremeLanes lanes{};
+        GreyExtremeLanes lanes{};
         Positions positions;
         rays_.PlaceStarts(packet, band + row, left, positions);
         for (std::int32_t done = 0; done < packet.longest; done += kChunk * kSamples) {
@@ -84,7 +84,8 @@ private:
             }
         }
         for (int ray = 0; ray < kRays; ++ray) {
-            if (packet.count[ray] > 0) Merge(PixelOf(row, left, ray), lanes.largest[ray], lanes.isFound[ray]);
+            if (packet.count[ray] > 0)
+                Merge(PixelOf(row, left, ray), lanes.largest[0][ray], lanes.isFound[ray]);
         }
     }
 
@@ -103,7 +104,7 @@ private:
     }
 
     // Each ray looks at its stretch of the largest bound.
-    void LookAtBest(const Packet& packet, std::int32_t done, int stretches, ExtremeLanes& lanes) {
+    void LookAtBest(const Packet& packet, std::int32_t done, int stretches, GreyExtremeLanes& lanes) {
         Bytes largest = {};
         Bytes best = {};
         for (int stretch = 0; stretch < stretches; ++stretch) {
@@ -133,7 +134,7 @@ private:
     }
 
     // One stretch of each ray.
-    void LookAt(Positions& positions, Bytes samples, ExtremeLanes& lanes) {
+    void LookAt(Positions& positions, Bytes samples, GreyExtremeLanes& lanes) {
         looked_ += kRays;
         walk_.template NextStretch<false>(positions, kSamples, indexes_);
         Fetch(job_.grid, indexes_, kSamples, stretch_);
@@ -167,10 +168,10 @@ private:
         }
         Bytes samples;
         __builtin_memcpy(&samples, queue_.samples, sizeof samples);
-        ExtremeLanes lanes{};
+        GreyExtremeLanes lanes{};
         LookAt(queue_.positions, samples, lanes);
         for (int slot = 0; slot < queue_.size; ++slot) {
-            Merge(queue_.pixel[slot], lanes.largest[slot], lanes.isFound[slot]);
+            Merge(queue_.pixel[slot], lanes.largest[0][slot], lanes.isFound[slot]);
         }
         queue_.size = 0;
     }

@@ -2,20 +2,24 @@
 // more than its largest measure (255 stands for 254 and 255). A code may be too large, never too small.
 #pragma once
 
+#include "render/isa/SampledBlocks.h"
 #include "render/isa/Samples.h"
 
 #include <cstddef>
 
 namespace z3d::render::Z3D_ISA {
 
-// Sixteen voxels side by side, of which `columns` exist; the last one is repeated once, as its own neighbour.
+// Sixteen voxels side by side, of which `columns` exist. The last one is repeated once, as its own neighbour; what lies
+// beyond is filled with a byte that changes no result.
 template <int kBytes>
-Z3D_INLINE void LoadVoxels(const std::uint8_t* voxels, std::int32_t columns, Bytes (&bytes)[kBytes]) {
+Z3D_INLINE void LoadVoxels(const std::uint8_t* voxels, std::int32_t columns, std::uint8_t beyond,
+                           Bytes (&bytes)[kBytes]) {
     if (columns == kRays) {
         __builtin_memcpy(&bytes, voxels, sizeof bytes);
         return;
     }
-    std::uint8_t filled[kBytes * (kRays + 1)] = {};
+    std::uint8_t filled[kBytes * (kRays + 1)];
+    __builtin_memset(filled, beyond, sizeof filled);
     const auto existing = static_cast<std::size_t>(kBytes * columns);
     __builtin_memcpy(filled, voxels, existing);
     __builtin_memcpy(filled + existing, voxels + existing - kBytes, kBytes);
@@ -23,7 +27,7 @@ Z3D_INLINE void LoadVoxels(const std::uint8_t* voxels, std::int32_t columns, Byt
 }
 Z3D_INLINE Bytes LoadGrey(const std::uint8_t* voxels, std::int32_t columns) {
     Bytes bytes[1];
-    LoadVoxels(voxels, columns, bytes);
+    LoadVoxels(voxels, columns, 0, bytes);
     return bytes[0];
 }
 
@@ -91,7 +95,8 @@ public:
     RgbCoder(const RgbWindow& window, Measure measure)
         : first_(_mm_set1_epi16(static_cast<short>(window.Range().first))),
           last_(_mm_set1_epi16(static_cast<short>(window.Range().last))),
-          measure_(measure) {}
+          measure_(measure),
+          beyond_(measure == Measure::Smallness ? 255 : 0) {}
     static bool Fits(const RgbWindow& window, Measure measure) {
         const bool needsLargest = measure == Measure::Largeness || window.Range().first > 0;
         const bool needsSmallest = measure == Measure::Smallness || window.Range().last < kLargestSum;
@@ -104,26 +109,27 @@ public:
     };
     Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
         State state;
-        LoadVoxels(row, columns, state.largest);
+        LoadVoxels(row, columns, beyond_, state.largest);
         for (int part = 0; part < 3; ++part)
             state.smallest[part] = state.largest[part];
         return state;
     }
     Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
         Bytes bytes[3];
-        LoadVoxels(row, columns, bytes);
+        LoadVoxels(row, columns, beyond_, bytes);
 #pragma GCC unroll 3
         for (int part = 0; part < 3; ++part) {
             if (kLargest) state.largest[part] = Larger(state.largest[part], bytes[part]);
             if (kSmallest) state.smallest[part] = Smaller(state.smallest[part], bytes[part]);
         }
     }
-    Z3D_INLINE Bytes Code(State state) const {
+    Z3D_INLINE Bytes Code(State state) {
         Bytes code = AllBytes(0xFF);
         if (kLargest) {
             SplitChannels(state.largest);
             const RgbSample most = {{state.largest[0], state.largest[1], state.largest[2]}, {}};
             if (measure_ == Measure::Largeness) {
+                Note(most.channel[0], most.channel[1], most.channel[2]);
                 code = OneMore(Larger(Larger(most.channel[0], most.channel[1]), most.channel[2]));
             }
             const Sums sums = most.Sum();
@@ -134,6 +140,7 @@ public:
             SplitChannels(state.smallest);
             const RgbSample least = {{state.smallest[0], state.smallest[1], state.smallest[2]}, {}};
             if (measure_ == Measure::Smallness) {
+                Note(~least.channel[0], ~least.channel[1], ~least.channel[2]);
                 code &= OneMore(~Smaller(Smaller(least.channel[0], least.channel[1]), least.channel[2]));
             }
             const Sums sums = least.Sum();
@@ -143,22 +150,39 @@ public:
         return code;
     }
 
+    std::uint8_t Highest(int channel) const {
+        if (measure_ == Measure::Presence) return 255;
+        std::uint8_t highest = 0;
+        for (int lane = 0; lane < kRays; ++lane)
+            highest = highest_[channel][lane] > highest ? highest_[channel][lane] : highest;
+        return highest;
+    }
+
 private:
+    Z3D_INLINE void Note(Bytes red, Bytes green, Bytes blue) {
+        highest_[0] = Larger(highest_[0], red);
+        highest_[1] = Larger(highest_[1], green);
+        highest_[2] = Larger(highest_[2], blue);
+    }
     Z3D_INLINE static Bytes OneMore(Bytes value) {
         return ToBytes(_mm_adds_epu8(Raw(value), _mm_set1_epi8(1)));
     }
     const __m128i first_;
     const __m128i last_;
     const Measure measure_;
+    const std::uint8_t beyond_;
+    Bytes highest_[3] = {};
 };
 
-// Codes of all blocks of a volume, into rows of bytes that leave one border block all round (see SkipExtent).
+// Codes of the blocks that are sampled, into rows of bytes that leave one border block all round (see SkipExtent). The
+// codes of other blocks are 0.
 class BlockCodes {
 public:
-    BlockCodes(const VoxelGrid& grid, std::int32_t margin, const SkipExtent& extent, std::uint8_t* codes)
-        : grid_(grid), margin_(margin), extent_(extent), codes_(codes) {}
+    BlockCodes(const VoxelGrid& grid, const SampledBlocks& blocks, std::int32_t margin,
+               const SkipExtent& extent, std::uint8_t* codes)
+        : grid_(grid), blocks_(blocks), margin_(margin), extent_(extent), codes_(codes) {}
 
-    void Fill(const GreyWindow& window, Measure measure) const {
+    void Fill(const GreyWindow& window, Measure measure, std::uint8_t (&)[3]) const {
         if (GreyExtremeCoder<true>::Fits(window, measure)) {
             FillWith<Grey>(GreyExtremeCoder<true>(window, measure));
         } else if (GreyExtremeCoder<false>::Fits(window, measure)) {
@@ -167,32 +191,38 @@ public:
             FillWith<Grey>(GreyCoder(window, measure));
         }
     }
-    void Fill(const RgbWindow& window, Measure measure) const {
+    // Also finds the largest measure of each channel.
+    void Fill(const RgbWindow& window, Measure measure, std::uint8_t (&highest)[3]) const {
         if (RgbCoder<true, false>::Fits(window, measure)) {
-            FillWith<Rgb>(RgbCoder<true, false>(window, measure));
+            FillColour(RgbCoder<true, false>(window, measure), highest);
         } else if (RgbCoder<false, true>::Fits(window, measure)) {
-            FillWith<Rgb>(RgbCoder<false, true>(window, measure));
+            FillColour(RgbCoder<false, true>(window, measure), highest);
         } else {
-            FillWith<Rgb>(RgbCoder<true, true>(window, measure));
+            FillColour(RgbCoder<true, true>(window, measure), highest);
         }
     }
 
 private:
+    template <class Coder>
+    void FillColour(Coder coder, std::uint8_t (&highest)[3]) const {
+        FillWith<Rgb>(coder);
+        for (int c = 0; c < 3; ++c)
+            highest[c] = coder.Highest(c);
+    }
+
     struct Span {
         std::int32_t first;
         std::int32_t last;
     };
 
     template <class Format, class Coder>
-    [[gnu::noinline]] void FillWith(const Coder& coder) const {
-        const std::int32_t blocksY = (grid_.height + 1) / 2;
-        const std::int32_t blocksZ = (grid_.depth + 1) / 2;
-        for (std::int32_t bz = 0; bz < blocksZ; ++bz) {
-            const Span z = RowsOf(bz, grid_.depth);
-            for (std::int32_t by = 0; by < blocksY; ++by) {
-                std::uint8_t* to = codes_ + static_cast<std::size_t>(bz + 1) * extent_.slab
-                                   + static_cast<std::size_t>(by + 1) * extent_.stride + 1;
-                const Span y = RowsOf(by, grid_.height);
+    [[gnu::noinline]] void FillWith(Coder&& coder) const {
+        __builtin_memset(codes_, 0, extent_.Bytes());
+        for (std::int32_t bz = blocks_.first[2]; bz <= blocks_.last[2]; ++bz) {
+            const Span z = RowsOf(bz - 1, grid_.depth);
+            for (std::int32_t by = blocks_.first[1]; by <= blocks_.last[1]; ++by) {
+                std::uint8_t* to = Row(by, bz) + 1;
+                const Span y = RowsOf(by - 1, grid_.height);
                 // At most three by three rows of voxels, where a margin widens a block.
                 const std::uint8_t* row[9];
                 int rows = 0;
@@ -207,25 +237,25 @@ private:
     }
 
     template <class Format, class Coder>
-    Z3D_INLINE void FillRow(const Coder& coder, const std::uint8_t* const* row, int rows,
-                            std::uint8_t* to) const {
+    Z3D_INLINE void FillRow(Coder& coder, const std::uint8_t* const* row, int rows, std::uint8_t* to) const {
         const std::int32_t width = grid_.width;
-        std::int32_t x = 0;
+        const std::int32_t end = 2 * blocks_.last[0] < width ? 2 * blocks_.last[0] : width;
+        std::int32_t x = 2 * (blocks_.first[0] - 1);
         if (rows == 4) {
-            for (; x + kRays <= width; x += kRays) {
+            for (; x < end && x + kRays <= width; x += kRays) {
                 const std::size_t offset = static_cast<std::size_t>(x) * Format::kBytes;
-                typename Coder::State state = coder.First(row[0] + offset, kRays);
+                auto state = coder.First(row[0] + offset, kRays);
 #pragma GCC unroll 3
                 for (int index = 1; index < 4; ++index)
                     coder.Add(state, row[index] + offset, kRays);
                 StorePairs(to + x / 2, coder.Code(state));
             }
         } else {
-            for (; x + kRays <= width; x += kRays)
+            for (; x < end && x + kRays <= width; x += kRays)
                 StorePairs(to + x / 2, CodeAt<Format>(coder, row, rows, x, kRays));
         }
-        if (x < width) StorePairs(to + x / 2, CodeAt<Format>(coder, row, rows, x, width - x));
-        if (margin_ > 0 && width > 1) {
+        if (x < end) StorePairs(to + x / 2, CodeAt<Format>(coder, row, rows, x, width - x));
+        if (margin_ > 0 && width > 1 && end == width) {
             // The last column stands for the one before it too.
             const Bytes before = CodeAt<Format>(coder, row, rows, width - 2, 1);
             std::uint8_t& last = to[(width - 1) / 2];
@@ -234,10 +264,10 @@ private:
     }
 
     template <class Format, class Coder>
-    [[gnu::noinline]] static Bytes CodeAt(const Coder& coder, const std::uint8_t* const* row, int rows,
+    [[gnu::noinline]] static Bytes CodeAt(Coder& coder, const std::uint8_t* const* row, int rows,
                                           std::int32_t x, std::int32_t columns) {
         const std::size_t offset = static_cast<std::size_t>(x) * Format::kBytes;
-        typename Coder::State state = coder.First(row[0] + offset, columns);
+        auto state = coder.First(row[0] + offset, columns);
         for (int index = 1; index < rows; ++index)
             coder.Add(state, row[index] + offset, columns);
         return coder.Code(state);
@@ -265,12 +295,9 @@ private:
     // Before the first and behind the last block of a row, the nearest block repeats.
     void RepeatBorders() const {
         const std::size_t blocksX = static_cast<std::size_t>(grid_.width + 1) / 2;
-        const std::int32_t lastY = (grid_.height + 1) / 2;
-        const std::int32_t lastZ = (grid_.depth + 1) / 2;
-        for (std::int32_t z = 1; z <= lastZ; ++z) {
-            for (std::int32_t y = 1; y <= lastY; ++y) {
-                std::uint8_t* row = codes_ + static_cast<std::size_t>(z) * extent_.slab
-                                    + static_cast<std::size_t>(y) * extent_.stride;
+        for (std::int32_t z = blocks_.first[2]; z <= blocks_.last[2]; ++z) {
+            for (std::int32_t y = blocks_.first[1]; y <= blocks_.last[1]; ++y) {
+                std::uint8_t* row = Row(y, z);
                 __builtin_memset(row - SkipExtent::kReach, row[1], SkipExtent::kReach + 1);
                 __builtin_memset(row + blocksX + 1, row[blocksX],
                                  extent_.stride - SkipExtent::kReach - blocksX - 1);
@@ -278,7 +305,13 @@ private:
         }
     }
 
+    std::uint8_t* Row(std::int32_t y, std::int32_t z) const {
+        return codes_ + static_cast<std::size_t>(z) * extent_.slab
+               + static_cast<std::size_t>(y) * extent_.stride;
+    }
+
     const VoxelGrid& grid_;
+    const SampledBlocks& blocks_;
     const std::int32_t margin_;
     const SkipExtent& extent_;
     std::uint8_t* const codes_;

@@ -62,12 +62,13 @@ private:
     [[gnu::noinline]] void FindOne(const Indexes& from, int index, Indexes& to) const {
         std::uint32_t nearest[3];
         for (int axis = 0; axis < 3; ++axis) {
-            const double moved =
-                static_cast<double>(from.position[axis][0][index]) + static_cast<double>(step_[axis]);
+            const double moved = static_cast<double>(from.position[axis][index / kRays][index % kRays])
+                                 + static_cast<double>(step_[axis]);
             nearest[axis] = static_cast<std::uint32_t>(NearestVoxel(moved, size_[axis]));
         }
-        to.z[0][index] = nearest[2];
-        to.plane[0][index] = nearest[1] * static_cast<std::uint32_t>(grid_.width) + nearest[0];
+        to.z[index / kRays][index % kRays] = nearest[2];
+        to.plane[index / kRays][index % kRays] =
+            nearest[1] * static_cast<std::uint32_t>(grid_.width) + nearest[0];
     }
 
     const VoxelGrid& grid_;

@@ -60,6 +60,12 @@ struct SumLanes {
     Z3D_INLINE void EndStretch() {
         if (++stretches == 65535 / (255 * kSamples)) Settle();
     }
+    bool IsSame(const SumLanes& other) const {
+        bool isSame = true;
+        for (int ray = 0; ray < kRays; ++ray)
+            isSame = isSame && Of(ray) == other.Of(ray);
+        return isSame;
+    }
     float Of(int ray) const {
         std::uint16_t part[kRays];
         __builtin_memcpy(part, &recent, sizeof part);

@@ -11,6 +11,7 @@
 #pragma once
 
 #include "render/isa/RaySetup.h"
+#include "render/isa/ViewProducts.h"
 
 namespace z3d::render::Z3D_ISA {
 
@@ -18,7 +19,10 @@ class LinearRaySetup {
 public:
     explicit LinearRaySetup(const RayGeometry& geometry)
         : geometry_(geometry), reach_(static_cast<double>(geometry.halfSize[2]) + 1) {
-        isUsable_ = IsNearlyOrthonormal() && FindSlack();
+        const ViewProducts products(geometry);
+        across_ = products.column[0];
+        along_ = products.column[2];
+        isUsable_ = products.AreNearlyThoseOfARotation() && FindSlack();
     }
 
     // False for views that have too many doubtful rays, or that the argument above does not cover.
@@ -127,29 +131,11 @@ public:
     };
 
 private:
-    static constexpr double kBeyond = 1e9;          // deeper than any face
-    static constexpr double kMostSlack = 1.0 / 64;  // beyond, too many rays are in doubt
-    static constexpr double kOrthonormality = 1e-3; // deviation of a product of two columns
+    static constexpr double kBeyond = 1e9;         // deeper than any face
+    static constexpr double kMostSlack = 1.0 / 64; // beyond, too many rays are in doubt
 
     static double MaxOf(double a, double b) { return a > b ? a : b; }
     static double Size(double value) { return __builtin_fabs(value); }
-
-    bool IsNearlyOrthonormal() {
-        const float* view = geometry_.view;
-        double product[3] = {};
-        for (int column = 0; column < 3; ++column) {
-            for (int axis = 0; axis < 3; ++axis) {
-                const double element = geometry_.inverse[3 * axis + column];
-                if (!(Size(element) <= 1 + kOrthonormality && Size(view[axis]) <= 1 + kOrthonormality))
-                    return false;
-                product[column] += view[axis] * element;
-            }
-        }
-        across_ = product[0];
-        along_ = product[2];
-        return Size(product[0]) < kOrthonormality && Size(product[1]) < kOrthonormality
-               && Size(product[2] - 1) < kOrthonormality;
-    }
 
     bool FindSlack() {
         lastDepth_ = geometry_.outputDepth - 1;

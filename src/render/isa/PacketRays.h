@@ -46,10 +46,10 @@ public:
           isLinear_(linear_.IsUsable()),
           shape_(shape) {}
 
-    // Trims the rays of the band of rows from array row `top` on. Rays that are not rendered get no samples.
-    [[gnu::noinline]] void TrimRows(std::int32_t top) {
+    // Trims the rays of `rows` rows, a tile's at most, from array row `top` on. Rays that are not rendered get no samples.
+    [[gnu::noinline]] void TrimRows(std::int32_t top, std::int32_t rows) {
         const std::int32_t width = geometry_.outputWidth;
-        for (std::int32_t row = 0; row < kTileSide; ++row) {
+        for (std::int32_t row = 0; row < rows; ++row) {
             std::int32_t* count = Count(row);
             if (top + row >= geometry_.outputHeight - shape_.border) {
                 __builtin_memset(count, 0, static_cast<std::size_t>(width + kRowPadding) * sizeof *count);

@@ -25,7 +25,7 @@ public:
         const std::int32_t bottom = geometry_.outputHeight - Rule::kBorder;
         const std::int32_t right = geometry_.outputWidth - Rule::kBorder;
         for (std::int32_t band = firstRow; band < bottom; band += kTileSide) {
-            rays_.TrimRows(band);
+            rays_.TrimRows(band, kTileSide);
             for (std::int32_t tile = Rule::kBorder; tile < right; tile += kTileSide) {
                 for (std::int32_t row = 0; row < kTileSide && band + row < bottom; row += kPacketSide) {
                     for (std::int32_t left = tile; left < tile + kTileSide && left < right;
@@ -54,7 +54,7 @@ public:
             const std::int32_t top =
                 Rule::kBorder + (2 * probe + 1) * strips / (2 * kProbedStrips) * kPacketSide;
             if (top >= geometry_.outputHeight - Rule::kBorder) break;
-            rays_.TrimRows(top);
+            rays_.TrimRows(top, kPacketSide);
             for (std::int32_t packet = probe % kProbedPackets; packet < packets; packet += kProbedPackets) {
                 RenderPacket(top, 0, Rule::kBorder + packet * kPacketSide);
                 ++probed;
@@ -64,9 +64,12 @@ public:
         if (probed == 0) return;
         // Samples of a ray that would be saved in the whole image, against the voxels that the table is made of.
         const double all = static_cast<double>(strips) * packets / static_cast<double>(probed);
-        const double voxels = static_cast<double>(job_.grid.width) * job_.grid.height * job_.grid.depth;
-        if (static_cast<double>(fruitless_) * all * kVoxelsPerSample < voxels) return;
+        if (static_cast<double>(fruitless_) * all * kVoxelsPerSample < skips_.Voxels()) return;
         skips_.Make(job_.grid, rule_.window, Rule::kMeasure, rule_.Margin());
+        if constexpr (requires { rule_.highest; }) {
+            for (int c = 0; c < Rule::kChannels; ++c)
+                rule_.highest[c] = AllBytes(skips_.Highest(c));
+        }
         isSkipping_ = true;
     }
 
@@ -103,6 +106,7 @@ private:
     void Walk(const Packet& packet, std::int32_t top, std::int32_t left, typename Rule::Lanes& lanes) {
         Positions positions;
         rays_.PlaceStarts(packet, top, left, positions);
+        wasFruitless_ = false;
         int samples = Rule::kFirstLook;
         for (std::int32_t done = 0; done < packet.longest; done += samples) {
             const Bytes remaining = RemainingOf(packet, done);
@@ -115,9 +119,7 @@ private:
             samples = done == 0 ? Rule::kFirstLook : Rule::kLook;
             if (samples > packet.longest - done) samples = packet.longest - done;
             if (isProbing_) {
-                const typename Rule::Lanes before = lanes;
-                Look(positions, samples, remaining, lanes);
-                if (__builtin_memcmp(&before, &lanes, sizeof lanes) == 0) fruitless_ += samples;
+                Probe(positions, samples, remaining, lanes);
             } else {
                 Look(positions, samples, remaining, lanes);
             }
@@ -127,6 +129,15 @@ private:
             const Bytes hasMore = AreEqual(Larger(remaining, more), remaining);
             if (!AnySet(hasMore & ~rule_.Ended(lanes))) return;
         }
+    }
+
+    // Counts the samples that changed no ray. A look by itself does not count: bounds reach beyond their stretch.
+    void Probe(Positions& positions, int samples, Bytes remaining, typename Rule::Lanes& lanes) {
+        const typename Rule::Lanes before = lanes;
+        Look(positions, samples, remaining, lanes);
+        const bool isFruitless = rule_.AreSame(before, lanes);
+        if (isFruitless && wasFruitless_) fruitless_ += samples;
+        wasFruitless_ = isFruitless;
     }
 
     [[gnu::noinline]] void Look(Positions& positions, int samples, Bytes remaining,
@@ -152,12 +163,13 @@ private:
     const typename Rule::Format::Grid grid_;
     const ProjectionJob& job_;
     const RayGeometry& geometry_;
-    const Rule rule_;
+    Rule rule_;
     PacketRays rays_;
     const IndexWalk walk_;
     SkipTable skips_;
     bool isSkipping_ = false;
     bool isProbing_ = false;
+    bool wasFruitless_ = false;
     std::int64_t fruitless_ = 0; // samples that changed no ray, while probing
     std::int64_t seen_ = 0;
     std::int64_t looked_ = 0;

@@ -15,6 +15,16 @@
 
 namespace z3d::render::Z3D_ISA {
 
+// The rays with a voxel in the window ahead.
+Z3D_INLINE Bytes WantsAny(Bytes bound) { return ~AreEqual(bound, Bytes{}); }
+
+// Where black changes nothing but a ray that has found no voxel yet: the rays with anything else ahead. Bounds are of
+// largest values, and that of black is 1.
+Z3D_INLINE Bytes WantsColour(Bytes bound, Bytes isFound) {
+    const Bytes isBlack = AreEqual(Smaller(bound, AllBytes(1)), bound) & isFound;
+    return WantsAny(bound) & ~isBlack;
+}
+
 struct RuleDefaults {
     static constexpr float kInitial = kLowestFloat;    // the pixel before, and without, a contribution
     static constexpr std::int32_t kSamplesPastEnd = 0; // samples beyond the trimmed range
@@ -35,7 +45,7 @@ struct RuleDefaults {
     // window there.
     template <class Lanes>
     Z3D_INLINE Bytes Wants(Bytes bound, const Lanes&) const {
-        return ~AreEqual(bound, Bytes{});
+        return WantsAny(bound);
     }
     // The rays that no further sample can change.
     template <class Lanes>
@@ -45,6 +55,11 @@ struct RuleDefaults {
     // A stretch without a voxel in the window was left out.
     template <class Lanes>
     Z3D_INLINE void PassOver(Lanes&) const {}
+    // Whether samples between the two changed nothing.
+    template <class Lanes>
+    bool AreSame(const Lanes& before, const Lanes& after) const {
+        return __builtin_memcmp(&before, &after, sizeof after) == 0;
+    }
     // After every 16 samples, and after the last one.
     template <class Lanes>
     Z3D_INLINE void EndStretch(Lanes&) const {}

@@ -30,7 +30,7 @@ public:
         return job.skipMemory != nullptr && extent.stride < (1 << 15) && extent.blocksY < (1 << 15);
     }
 
-    SkipTable(const ProjectionJob& job, bool backToFront) : extent_(job.grid) {
+    SkipTable(const ProjectionJob& job, bool backToFront) : extent_(job.grid), sampled_(job) {
         const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
         for (int axis = 0; axis < 3; ++axis) {
             const float step = job.geometry.inverse[3 * axis + 2];
@@ -60,11 +60,17 @@ public:
     template <class Window>
     [[gnu::noinline]] void Make(const VoxelGrid& grid, const Window& window, Measure measure,
                                 std::int32_t margin) {
-        BlockCodes(grid, margin, extent_, codes_).Fill(window, measure);
+        BlockCodes(grid, sampled_, margin, extent_, codes_).Fill(window, measure, highest_);
         FindOffsets();
         Dilate();
         FormBounds();
     }
+
+    // How many voxels there are to look at.
+    double Voxels() const { return sampled_.Voxels(); }
+
+    // No voxel has a larger measure in this channel.
+    std::uint8_t Highest(int channel) const { return highest_[channel]; }
 
     // The bounds of sixteen stretches by the positions of their first samples. 255 where a position lies too close to
     // a face between blocks, or too far outside the volume, for the argument above.
@@ -130,22 +136,25 @@ private:
     [[gnu::noinline]] void Dilate() {
         const std::int32_t lastY = (size_[1] + 1) / 2;
         const std::int32_t lastZ = (size_[2] + 1) / 2;
-        for (std::int32_t z = 1; z <= lastZ; ++z) {
-            for (std::int32_t y = 1; y <= lastY; ++y) {
+        // Codes of blocks behind the sampled ones are 0, and codes before them are wanted as far as they reach.
+        const std::int32_t firstY = MaxOf(1, sampled_.first[1] - reach_[1]);
+        const std::int32_t firstZ = MaxOf(1, sampled_.first[2] - reach_[2]);
+        for (std::int32_t z = sampled_.first[2]; z <= sampled_.last[2]; ++z) {
+            for (std::int32_t y = sampled_.first[1]; y <= sampled_.last[1]; ++y) {
                 std::uint8_t* row = Row(codes_, y, z) - SkipExtent::kReach;
                 for (std::int32_t pass = 0; pass < reach_[0]; ++pass) {
                     Merge(row, row + 1, extent_.stride);
                 }
             }
-            for (std::int32_t y = 1; y < lastY; ++y) {
+            for (std::int32_t y = firstY; y <= sampled_.last[1] && y < lastY; ++y) {
                 for (std::int32_t next = 1; next <= reach_[1]; ++next) {
                     MergeRow(Row(codes_, y, z), Row(codes_, y + next < lastY ? y + next : lastY, z));
                 }
             }
         }
-        for (std::int32_t z = 1; z < lastZ; ++z) {
+        for (std::int32_t z = firstZ; z <= sampled_.last[2] && z < lastZ; ++z) {
             for (std::int32_t next = 1; next <= reach_[2]; ++next) {
-                for (std::int32_t y = 1; y <= lastY; ++y) {
+                for (std::int32_t y = firstY; y <= sampled_.last[1]; ++y) {
                     MergeRow(Row(codes_, y, z), Row(codes_, y, z + next < lastZ ? z + next : lastZ));
                 }
             }
@@ -155,8 +164,10 @@ private:
     [[gnu::noinline]] void FormBounds() {
         const std::int32_t lastY = (size_[1] + 1) / 2;
         const std::int32_t lastZ = (size_[2] + 1) / 2;
-        for (std::int32_t z = 0; z < extent_.blocksZ; ++z) {
-            for (std::int32_t y = 0; y < extent_.blocksY; ++y) {
+        // Stretches begin in the sampled blocks, or a border block beside them.
+        for (std::int32_t z = sampled_.first[2] - 1; z <= sampled_.last[2] + 1 && z < extent_.blocksZ; ++z) {
+            for (std::int32_t y = sampled_.first[1] - 1; y <= sampled_.last[1] + 1 && y < extent_.blocksY;
+                 ++y) {
                 const std::uint8_t* from[kSamples];
                 for (int index = 0; index < offsets_; ++index) {
                     const Offset& offset = offset_[index];
@@ -218,6 +229,8 @@ private:
     }
 
     SkipExtent extent_;
+    SampledBlocks sampled_;
+    std::uint8_t highest_[3] = {255, 255, 255};
     std::int32_t size_[3];
     float step_[3];
     double rounding_; // of a coordinate, over a stretch

@@ -10,45 +10,22 @@
 namespace z3d::render::Z3D_ISA {
 namespace {
 
-struct MaxGrey : ExtremeRule<MaxGrey> {
-    using ExtremeRule::ExtremeRule;
+struct MaxGrey : GreyExtremeRule<MaxGrey> {
+    using GreyExtremeRule::GreyExtremeRule;
     static constexpr std::int32_t kSamplesPastEnd = 1;
     static constexpr Measure kMeasure = Measure::Largeness;
     Z3D_INLINE static Bytes RankOf(Bytes value) { return value; }
 };
 
-struct MaxRgb : RuleDefaults {
-    using Format = Rgb;
+struct MaxRgb : RgbExtremeRule<MaxRgb> {
+    using RgbExtremeRule::RgbExtremeRule;
     static constexpr Measure kMeasure = Measure::Largeness; // of any channel
-    struct Lanes {
-        Bytes largest[3];
-        Bytes isFound;
-    };
-    RgbWindow window;
-
-    Z3D_INLINE void Sample(const RgbSample& sample, Bytes isValid, Lanes& lanes) const {
-        const Bytes accepted = window.Accepts(sample) & isValid;
-        for (int c = 0; c < 3; ++c)
-            lanes.largest[c] = Larger(lanes.largest[c], sample.channel[c] & accepted);
-        lanes.isFound |= accepted;
-    }
-    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
-        const Bytes least = Smaller(Smaller(lanes.largest[0], lanes.largest[1]), lanes.largest[2]);
-        return IsAbove(bound, least, lanes.isFound);
-    }
-    void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        if (!lanes.isFound[ray]) return;
-        for (int c = 0; c < 3; ++c)
-            pixel[c] = lanes.largest[c][ray];
-    }
+    Z3D_INLINE static Bytes RankOf(Bytes value) { return value; }
 };
 
 } // namespace
 
 void MaxProjectionGrey(const ProjectionJob& job) { RenderBestFirst(job, MaxGrey(job)); }
-
-void MaxProjectionRgb(const ProjectionJob& job) {
-    RenderWith(job, MaxRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high))});
-}
+void MaxProjectionRgb(const ProjectionJob& job) { RenderWith(job, MaxRgb(job)); }
 
 } // namespace z3d::render::Z3D_ISA

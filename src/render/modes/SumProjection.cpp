@@ -11,7 +11,16 @@
 namespace z3d::render::Z3D_ISA {
 namespace {
 
-struct SumGrey : RuleDefaults {
+struct SumRule : RuleDefaults {
+    static constexpr Measure kMeasure = Measure::Largeness;
+    // Black adds nothing: it can only begin a sum.
+    template <class Lanes>
+    Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
+        return WantsColour(bound, lanes.isFound);
+    }
+};
+
+struct SumGrey : SumRule {
     using Format = Grey;
     struct Lanes {
         SumLanes sum;
@@ -27,12 +36,13 @@ struct SumGrey : RuleDefaults {
         lanes.isFound |= accepted;
     }
     Z3D_INLINE void EndStretch(Lanes& lanes) const { lanes.sum.EndStretch(); }
+    bool AreSame(const Lanes& before, const Lanes& after) const { return before.sum.IsSame(after.sum); }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.sum.Of(ray);
     }
 };
 
-struct SumRgb : RuleDefaults {
+struct SumRgb : SumRule {
     using Format = Rgb;
     struct Lanes {
         SumLanes sum[3];
@@ -51,6 +61,10 @@ struct SumRgb : RuleDefaults {
         for (SumLanes& sum : lanes.sum)
             sum.EndStretch();
     }
+    bool AreSame(const Lanes& before, const Lanes& after) const {
+        return before.sum[0].IsSame(after.sum[0]) && before.sum[1].IsSame(after.sum[1])
+               && before.sum[2].IsSame(after.sum[2]);
+    }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
@@ -64,11 +78,12 @@ bool HasExactSums(const ProjectionJob& job) { return job.geometry.outputDepth <=
 
 void SumProjectionGrey(const ProjectionJob& job) {
     RenderWith(job,
-               SumGrey{{}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high)), HasExactSums(job)});
+               SumGrey{{{}}, GreyWindow(InclusiveRange(kLargestGrey, job.low, job.high)), HasExactSums(job)});
 }
 
 void SumProjectionRgb(const ProjectionJob& job) {
-    RenderWith(job, SumRgb{{}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high)), HasExactSums(job)});
+    RenderWith(job,
+               SumRgb{{{}}, RgbWindow(InclusiveRange(kLargestSum, job.low, job.high)), HasExactSums(job)});
 }
 
 } // namespace z3d::render::Z3D_ISA

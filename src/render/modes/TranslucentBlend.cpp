@@ -20,10 +20,21 @@ double OpacityOf(float transparency) {
     return 1 - static_cast<double>(transparency == 1 ? 0.95f : transparency);
 }
 
-// (1 - w) * behind + w * value for the accepted rays, in doubles, rounded once.
-Z3D_INLINE void Cover(FloatLanes& behind, int ray, LongMask isAccepted, Doubles weight, Doubles value) {
+// The blends of the rays that are not accepted, as they were.
+template <int kBlends>
+[[gnu::noinline]] void PutBack(FloatLanes (&blends)[kBlends], const FloatLanes (&before)[kBlends],
+                               Bytes accepted) {
+    for (int blend = 0; blend < kBlends; ++blend) {
+        for (int ray = 0; ray < kRays; ++ray) {
+            if (!accepted[ray]) blends[blend].value[ray] = before[blend].value[ray];
+        }
+    }
+}
+
+// (1 - w) * behind + w * value, in doubles, rounded once.
+Z3D_INLINE void Cover(FloatLanes& behind, int ray, Doubles weight, Doubles value) {
     const Doubles old = LoadAsDoubles(behind.value + ray);
-    StoreSingle(behind.value + ray, Select(isAccepted, (1.0 - weight) * old + weight * value, old));
+    StoreSingle(behind.value + ray, (1.0 - weight) * old + weight * value);
 }
 
 struct BlendRule : RuleDefaults {
@@ -32,19 +43,20 @@ struct BlendRule : RuleDefaults {
     double opacity;
     explicit BlendRule(const ProjectionJob& job) : opacity(OpacityOf(job.extra)) {}
 
-    // Black weighs nothing, unless the opacity is infinite or not a number: it can only begin a blend.
+    // Black weighs 0 and leaves what is behind it as it is: rays whose voxel is not accepted are given black. Not so
+    // where the opacity is infinite or not a number: then they are put back.
+    bool HasNeutralBlack() const { return __builtin_fabs(opacity) <= kHighestSingle; }
+
     template <class Lanes>
     Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
-        const bool isFinite = __builtin_fabs(opacity) <= kHighestSingle;
-        const Bytes isBlack = AreEqual(Smaller(bound, AllBytes(1)), bound);
-        return ~(AreEqual(bound, Bytes{}) | (isFinite ? isBlack & lanes.isFound : Bytes{}));
+        return HasNeutralBlack() ? WantsColour(bound, lanes.isFound) : WantsAny(bound);
     }
 };
 
 struct BlendGrey : BlendRule {
     using Format = Grey;
     struct Lanes {
-        FloatLanes blend;
+        FloatLanes blend[1];
         Bytes isFound;
     };
     GreyWindow window;
@@ -56,17 +68,26 @@ struct BlendGrey : BlendRule {
         const Bytes accepted = window.Accepts(sample) & isValid;
         if (!AnySet(accepted)) return;
         lanes.isFound |= accepted;
-        const IntegerLanes values(sample.value);
-        const IntegerLanes masks(accepted);
+        if (!HasNeutralBlack()) [[unlikely]] {
+            const Lanes before = lanes;
+            CoverAll(sample.value, lanes);
+            PutBack(lanes.blend, before.blend, accepted);
+            return;
+        }
+        CoverAll(sample.value & accepted, lanes);
+    }
+    void Finish(const Lanes& lanes, int ray, float* pixel) const {
+        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.blend[0].value[ray];
+    }
+
+private:
+    Z3D_INLINE void CoverAll(Bytes bytes, Lanes& lanes) const {
+        const IntegerLanes values(bytes);
         for (int ray = 0; ray < kRays; ray += kDoubleLanes) {
             const Doubles value = LoadAsDoubles(values.value + ray);
             // The weight is kept in single precision; colour does not round it.
-            const Doubles weight = RoundToSingle(value * kOverLargestByte * opacity);
-            Cover(lanes.blend, ray, LoadAsDoubles(masks.value + ray) > 0.0, weight, value);
+            Cover(lanes.blend[0], ray, RoundToSingle(value * kOverLargestByte * opacity), value);
         }
-    }
-    void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.blend.value[ray];
     }
 };
 
@@ -85,22 +106,32 @@ struct BlendRgb : BlendRule {
         const Bytes accepted = window.Accepts(sample) & isValid;
         if (!AnySet(accepted)) return;
         lanes.isFound |= accepted;
-        const IntegerLanes sums(sample.Sum());
-        const IntegerLanes masks(accepted);
-        const IntegerLanes values[3] = {IntegerLanes(sample.channel[0]), IntegerLanes(sample.channel[1]),
-                                        IntegerLanes(sample.channel[2])};
-        for (int ray = 0; ray < kRays; ray += kDoubleLanes) {
-            const Doubles weight = LoadAsDoubles(sums.value + ray) * kOverLargestSum * opacity;
-            const LongMask isAccepted = LoadAsDoubles(masks.value + ray) > 0.0;
-            for (int c = 0; c < 3; ++c) {
-                Cover(lanes.blend[c], ray, isAccepted, weight, LoadAsDoubles(values[c].value + ray));
-            }
+        if (!HasNeutralBlack()) [[unlikely]] {
+            const Lanes before = lanes;
+            CoverAll(sample, AllBytes(0xFF), lanes);
+            PutBack(lanes.blend, before.blend, accepted);
+            return;
         }
+        CoverAll(sample, accepted, lanes);
     }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
             pixel[c] = lanes.blend[c].value[ray];
+    }
+
+private:
+    Z3D_INLINE void CoverAll(const RgbSample& sample, Bytes mask, Lanes& lanes) const {
+        const RgbSample shown = {
+            {sample.channel[0] & mask, sample.channel[1] & mask, sample.channel[2] & mask}, {}};
+        const IntegerLanes sums(shown.Sum());
+        const IntegerLanes values[3] = {IntegerLanes(shown.channel[0]), IntegerLanes(shown.channel[1]),
+                                        IntegerLanes(shown.channel[2])};
+        for (int ray = 0; ray < kRays; ray += kDoubleLanes) {
+            const Doubles weight = LoadAsDoubles(sums.value + ray) * kOverLargestSum * opacity;
+            for (int c = 0; c < 3; ++c)
+                Cover(lanes.blend[c], ray, weight, LoadAsDoubles(values[c].value + ray));
+        }
     }
 };
 
