@@ -65,7 +65,8 @@ float* RenderWithKernel(Kernel* kernel, const ProjectionRenderer& renderer,
         image.Pixels(),
         rowScratch.Get(),
         stripScratch.Get(),
-        skipMemory.Get()};
+        skipMemory.Get(),
+        CurrentSkipPolicy()};
     kernel(job);
     return image.Release();
 }

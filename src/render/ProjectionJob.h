@@ -1,6 +1,7 @@
 // One projection as the kernels see it: plain data, so that the same job runs on any instruction set.
 #pragma once
 
+#include "render/SkipPolicy.h"
 #include "render/Voxels.h"
 
 #include <cstdint>
@@ -66,6 +67,7 @@ struct ProjectionJob {
     std::int32_t* rowScratch;   // RowScratchInts(outputWidth) integers
     std::uint8_t* stripScratch; // StripScratchBytes(outputWidth) bytes
     std::uint8_t* skipMemory;   // SkipTableBytes(grid) bytes, or null where memory is short
+    SkipPolicy skipPolicy;
 };
 
 // Packets are rendered tile by tile, so that neighbouring rays find the voxels that they share in the cache: bands of

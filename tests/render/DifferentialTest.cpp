@@ -1,6 +1,7 @@
 // The product's renderer against the plain form, bit for bit, over random volumes and requests.
 #include "reference/ReferenceRenderer.h"
 #include "render/InstructionSet.h"
+#include "support/AlwaysSkipping.h"
 #include "support/HostVolume.h"
 #include "support/ProceduralVolumes.h"
 #include "support/ProductRenderer.h"
@@ -37,9 +38,13 @@ protected:
         const HostVolume hostVolume(volume);
         for (int index = 0; index < requests; ++index) {
             const reference::Request request = RandomRequest(random, volume, Mode());
-            ASSERT_TRUE(
-                SameBits(reference::Render(volume, request), RenderProduct(hostVolume.Get(), request)))
+            const reference::Projection expected = reference::Render(volume, request);
+            ASSERT_TRUE(SameBits(expected, RenderProduct(hostVolume.Get(), request)))
                 << "request " << index << ": " << Describe(request) << "\n"
+                << Describe(volume);
+            const AlwaysSkipping forced;
+            ASSERT_TRUE(SameBits(expected, RenderProduct(hostVolume.Get(), request)))
+                << "request " << index << " with a table of bounds: " << Describe(request) << "\n"
                 << Describe(volume);
         }
     }

@@ -5,6 +5,7 @@
 #include "render/Modes.h"
 #include "render/ProjectionJob.h"
 #include "render/ProjectionRenderer.h"
+#include "support/AlwaysSkipping.h"
 #include "support/GuardedBytes.h"
 #include "support/ProductRenderer.h"
 #include "support/SameBits.h"
@@ -105,6 +106,9 @@ protected:
                 render::ForceInstructionSet(set);
                 const reference::Projection actual = RenderGuarded(host, slices, end, request);
                 ASSERT_TRUE(SameBits(expected, actual)) << Describe(request) << "\n" << Describe(volume);
+                const AlwaysSkipping forced;
+                const reference::Projection skipping = RenderGuarded(host, slices, end, request);
+                ASSERT_TRUE(SameBits(expected, skipping)) << Describe(request) << "\n" << Describe(volume);
             }
         }
         render::ForceInstructionSet(render::BestInstructionSet());

@@ -28,7 +28,8 @@ public:
         const std::int32_t bottom = geometry_.outputHeight;
         const std::int32_t right = geometry_.outputWidth;
         for (nextRow = 0; nextRow < bottom; nextRow += kTileSide) {
-            if (seen_ >= kTrial && looked_ * 2 > seen_) return false;
+            const bool isOptional = job_.skipPolicy == SkipPolicy::WhereItPays;
+            if (isOptional && seen_ >= kTrial && looked_ * 2 > seen_) return false;
             __builtin_memset(job_.stripScratch, 0, StripScratchBytes(right));
             rays_.TrimRows(nextRow, kTileSide);
             for (std::int32_t tile = 0; tile < right; tile += kTileSide) {

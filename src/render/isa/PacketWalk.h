@@ -34,37 +34,16 @@ public:
                     }
                 }
                 // Where most stretches have to be looked at anyway, asking first costs more than it saves.
-                if (seen_ >= kTrial && looked_ * 4 > seen_ * 3) isSkipping_ = false;
+                if (IsOptional() && seen_ >= kTrial && looked_ * 4 > seen_ * 3) isSkipping_ = false;
             }
         }
         LeaveVectorCode();
     }
 
-    // Before Render: has a table of bounds made if it promises to save more than it costs. To find out, a few packets
-    // all over the image are rendered without one.
+    // Before Render: has a table of bounds made if it promises to save more than it costs.
     void PrepareSkipping() {
         if (!SkipTable::IsUsable(job_)) return;
-        isProbing_ = true;
-        const std::int32_t strips =
-            (geometry_.outputHeight - 2 * Rule::kBorder + kPacketSide - 1) / kPacketSide;
-        const std::int32_t packets =
-            (geometry_.outputWidth - 2 * Rule::kBorder + kPacketSide - 1) / kPacketSide;
-        std::int64_t probed = 0;
-        for (std::int32_t probe = 0; probe < kProbedStrips; ++probe) {
-            const std::int32_t top =
-                Rule::kBorder + (2 * probe + 1) * strips / (2 * kProbedStrips) * kPacketSide;
-            if (top >= geometry_.outputHeight - Rule::kBorder) break;
-            rays_.TrimRows(top, kPacketSide);
-            for (std::int32_t packet = probe % kProbedPackets; packet < packets; packet += kProbedPackets) {
-                RenderPacket(top, 0, Rule::kBorder + packet * kPacketSide);
-                ++probed;
-            }
-        }
-        isProbing_ = false;
-        if (probed == 0) return;
-        // Samples of a ray that would be saved in the whole image, against the voxels that the table is made of.
-        const double all = static_cast<double>(strips) * packets / static_cast<double>(probed);
-        if (static_cast<double>(fruitless_) * all * kVoxelsPerSample < skips_.Voxels()) return;
+        if (IsOptional() && EstimateFruitless() * kVoxelsPerSample < skips_.Voxels()) return;
         skips_.Make(job_.grid, rule_.window, Rule::kMeasure, rule_.Margin());
         if constexpr (requires { rule_.highest; }) {
             for (int c = 0; c < Rule::kChannels; ++c)
@@ -79,6 +58,31 @@ private:
     static constexpr std::int32_t kProbedPackets = 4; // one of so many
     // A sample of a packet takes as long as the table for so many voxels.
     static constexpr double kVoxelsPerSample = 64;
+
+    bool IsOptional() const { return job_.skipPolicy == SkipPolicy::WhereItPays; }
+
+    // Samples of packets that change no ray, in the whole image: found by rendering a few packets here and there.
+    double EstimateFruitless() {
+        const std::int32_t strips =
+            (geometry_.outputHeight - 2 * Rule::kBorder + kPacketSide - 1) / kPacketSide;
+        const std::int32_t packets =
+            (geometry_.outputWidth - 2 * Rule::kBorder + kPacketSide - 1) / kPacketSide;
+        const std::int32_t probes = strips / 8 + 1 < kProbedStrips ? strips / 8 + 1 : kProbedStrips;
+        std::int64_t probed = 0;
+        isProbing_ = true;
+        for (std::int32_t probe = 0; probe < probes; ++probe) {
+            const std::int32_t top = Rule::kBorder + (2 * probe + 1) * strips / (2 * probes) * kPacketSide;
+            if (top >= geometry_.outputHeight - Rule::kBorder) break;
+            rays_.TrimRows(top, kPacketSide);
+            for (std::int32_t packet = probe % kProbedPackets; packet < packets; packet += kProbedPackets) {
+                RenderPacket(top, 0, Rule::kBorder + packet * kPacketSide);
+                ++probed;
+            }
+        }
+        isProbing_ = false;
+        if (probed == 0) return 0;
+        return static_cast<double>(fruitless_) * strips * packets / static_cast<double>(probed);
+    }
 
     void RenderPacket(std::int32_t band, std::int32_t rowInBand, std::int32_t left) {
         const std::int32_t top = band + rowInBand;
