@@ -25,32 +25,43 @@ struct RayGeometry {
     std::int32_t outputDepth;
 };
 
-// Size of the table of bounds: blocks of 2 voxels a side with one border block all round. Rows have room for the
-// 8 blocks that a stretch can reach to either side, and for one vector too many.
+// Sizes of the table of bounds and of the codes that it is made from: blocks of 2 voxels a side with one border block
+// all round. Codes are kept for the few layers of blocks that bounds are just taken over; their rows have room for the
+// 8 blocks that a stretch can reach to either side. Behind the last row there is room for vectors that are too long.
 struct SkipExtent {
     static constexpr std::int32_t kReach = 9;
     static constexpr std::size_t kRowPadding = 64;
+    static constexpr std::int32_t kMostLayers = 12; // 9 that stretches touch, and 3 for the dilation
 
     std::int32_t blocksX, blocksY, blocksZ;
-    std::size_t stride; // bytes from row to row, whole vectors
-    std::size_t slab;   // bytes from one layer of blocks to the next
+    std::int32_t layers;       // of codes
+    std::size_t stride, layer; // bytes from row to row, whole vectors, and from layer to layer, of codes
+    std::size_t boundsStride, boundsLayer; // the same of bounds
 
     explicit SkipExtent(const VoxelGrid& grid)
         : blocksX((grid.width + 2) / 2 + 1),
           blocksY((grid.height + 2) / 2 + 1),
           blocksZ((grid.depth + 2) / 2 + 1),
+          layers(blocksZ < kMostLayers ? blocksZ : kMostLayers),
           stride((static_cast<std::size_t>(blocksX) + 2 * kReach + 31) / 16 * 16),
-          slab(stride * static_cast<std::size_t>(blocksY)) {}
-    std::size_t Bytes() const { return slab * static_cast<std::size_t>(blocksZ); }
+          layer(stride * static_cast<std::size_t>(blocksY)),
+          boundsStride((static_cast<std::size_t>(blocksX) + 15) / 16 * 16),
+          boundsLayer(boundsStride * static_cast<std::size_t>(blocksY)) {}
+    std::size_t CodeBytes() const { return layer * static_cast<std::size_t>(layers); }
 };
 
-// Codes and bounds. A size that cannot be had where the bytes do not fit: the padding of its rows can make the
-// table of a thin volume many times larger than the volume.
+// Codes and bounds, about a sixth of the voxels. A size that cannot be had where it does not fit, or where padding makes
+// the table of a thin volume larger than the volume twice.
 inline std::size_t SkipTableBytes(const VoxelGrid& grid) {
     const SkipExtent extent(grid);
-    const std::size_t padding = 2 * SkipExtent::kRowPadding;
-    if (extent.slab > (SIZE_MAX - padding) / 2 / static_cast<std::size_t>(extent.blocksZ)) return SIZE_MAX;
-    return 2 * extent.Bytes() + padding;
+    const auto layers = static_cast<std::uint64_t>(extent.blocksZ);
+    const std::uint64_t bytes = std::uint64_t{extent.layer} * static_cast<std::uint32_t>(extent.layers)
+                                + extent.boundsLayer * layers + 2 * SkipExtent::kRowPadding;
+    const std::uint64_t voxels = std::uint64_t{static_cast<std::uint32_t>(grid.width)}
+                                 * static_cast<std::uint32_t>(grid.height)
+                                 * static_cast<std::uint32_t>(grid.depth);
+    constexpr std::uint64_t kSmall = 1 << 16;
+    return bytes <= 2 * voxels + kSmall && bytes < SIZE_MAX ? static_cast<std::size_t>(bytes) : SIZE_MAX;
 }
 
 // What the bounds of skipped stretches are about: large values, small values, or only whether any voxel lies in

@@ -8,14 +8,24 @@ namespace {
 using namespace z3d;
 
 TEST(SkipTableBytes, CountsCodesAndBoundsOfBlocksWithABorder) {
-    // 64 voxels are 32 blocks and 2 border blocks a side; rows have 34 + 18 + 16 bytes, rounded up to vectors.
-    EXPECT_EQ(render::SkipTableBytes({nullptr, 64, 64, 64}), 2u * (80 * 34 * 34) + 128);
+    // 64 voxels are 32 blocks and 2 border blocks a side. Twelve layers of codes, whose rows have 34 + 18 + 16 bytes,
+    // rounded up to vectors, and 34 layers of bounds in rows of 48.
+    EXPECT_EQ(render::SkipTableBytes({nullptr, 64, 64, 64}), 12u * 80 * 34 + 34 * 48 * 34 + 128);
 }
 
-// The table of this thin volume would have 4,312,013,312 bytes.
+TEST(SkipTableBytes, CountsFewerLayersOfCodesForAFlatVolume) {
+    EXPECT_EQ(render::SkipTableBytes({nullptr, 64, 64, 6}), 5u * 80 * 34 + 5 * 48 * 34 + 128);
+}
+
+// The bounds of this thin volume would have 718,668,864 bytes for 179,560,000 voxels.
+TEST(SkipTableBytes, CannotBeHadForTablesLargerThanTheVolumeTwice) {
+    EXPECT_EQ(render::SkipTableBytes({nullptr, 1, 13400, 13400}), SIZE_MAX);
+    EXPECT_LT(render::SkipTableBytes({nullptr, 1, 1, 1}), 65536u);
+}
+
 TEST(SkipTableBytes, DoesNotWrap) {
-    const std::size_t bytes = render::SkipTableBytes({nullptr, 1, 13400, 13400});
-    EXPECT_EQ(bytes, sizeof(std::size_t) == 4 ? SIZE_MAX : static_cast<std::size_t>(4'312'013'312));
+    const std::uint64_t bytes = render::SkipTableBytes({nullptr, 65535, 65535, 40});
+    EXPECT_EQ(bytes, sizeof(std::size_t) == 4 ? std::uint64_t{SIZE_MAX} : std::uint64_t{36'538'745'888});
 }
 
 } // namespace

@@ -27,7 +27,7 @@ public:
             if (!(__builtin_fabsf(job.geometry.inverse[3 * axis + 2]) <= kLongestStep)) return false;
         }
         const SkipExtent extent(job.grid);
-        return job.skipMemory != nullptr && extent.stride < (1 << 15) && extent.blocksY < (1 << 15);
+        return job.skipMemory != nullptr && extent.boundsStride < (1 << 15) && extent.blocksY < (1 << 15);
     }
 
     SkipTable(const ProjectionJob& job, bool backToFront) : extent_(job.grid), sampled_(job) {
@@ -38,7 +38,7 @@ public:
             size_[axis] = sizes[axis];
         }
         codes_ = job.skipMemory + SkipExtent::kRowPadding;
-        bounds_ = codes_ + extent_.Bytes();
+        bounds_ = codes_ + extent_.CodeBytes();
 
         // Fifteen roundings of at most half a unit in the last place of twice the largest coordinate, and the one
         // of the block coordinate.
@@ -51,19 +51,19 @@ public:
             // The largest float below: its position within its block is never sure.
             last_[axis] = AllFloats(__builtin_nextafterf(static_cast<float>(blocks[axis]), 0));
         }
-        factors_ = FactorsFor(static_cast<std::uint32_t>(extent_.stride));
+        factors_ = FactorsFor(static_cast<std::uint32_t>(extent_.boundsStride));
         half_ = AllFloats(0.5f);
         firstBlock_ = AllFloats(1.245f); // (0 + 2.49) / 2
     }
 
     // Fills the table, for which the job must have memory.
     template <class Window>
-    [[gnu::noinline]] void Make(const VoxelGrid& grid, const Window& window, Measure measure,
-                                std::int32_t margin) {
-        BlockCodes(grid, sampled_, margin, extent_, codes_).Fill(window, measure, highest_);
+    void Make(const VoxelGrid& grid, const Window& window, Measure measure, std::int32_t margin) {
         FindOffsets();
-        Dilate();
-        FormBounds();
+        WithCoder(window, measure, highest_, [&](auto& coder) {
+            BlockCodes codes(grid, sampled_, margin, extent_, coder);
+            FillWith(codes);
+        });
     }
 
     // How many voxels there are to look at.
@@ -75,7 +75,7 @@ public:
     // The bounds of sixteen stretches by the positions of their first samples. 255 where a position lies too close to
     // a face between blocks, or too far outside the volume, for the argument above.
     [[gnu::noinline]] Bytes BoundsAt(const Positions& positions) const {
-        alignas(64) std::uint32_t slab[kRays];
+        alignas(64) std::uint32_t layer[kRays];
         alignas(64) std::uint32_t cell[kRays];
         alignas(64) Ints isSure[kRays / kFloatLanes];
         for (int part = 0; part < kRays / kFloatLanes; ++part) {
@@ -85,12 +85,12 @@ public:
             const Ints y = Block(LoadFloats(positions.axis[1] + lane), 1, offCentre);
             const Ints z = Block(LoadFloats(positions.axis[2] + lane), 2, offCentre);
             Store(cell + lane, RowTimesWidth(y, x, factors_));
-            Store(slab + lane, reinterpret_cast<Uints>(z));
+            Store(layer + lane, reinterpret_cast<Uints>(z));
             isSure[part] = offCentre < largestOffCentre_;
         }
         alignas(16) std::uint8_t bound[kRays];
         for (int ray = 0; ray < kRays; ++ray)
-            bound[ray] = bounds_[slab[ray] * extent_.slab + cell[ray]];
+            bound[ray] = bounds_[layer[ray] * extent_.boundsLayer + cell[ray]];
         const auto* sure = reinterpret_cast<const __m128i*>(isSure);
         const __m128i low = _mm_packs_epi32(sure[0], sure[1]);
         const __m128i high = _mm_packs_epi32(sure[2], sure[3]);
@@ -125,6 +125,7 @@ private:
                     static_cast<std::int32_t>(__builtin_ceil(1 - surely_ + shift + slack)) - 1;
                 reach_[axis] = MaxOf(reach_[axis], highest - offset.axis[axis]);
             }
+            farthest_ = MaxOf(farthest_, offset.axis[2]);
             bool isNew = true;
             for (int known = 0; known < offsets_; ++known)
                 isNew = isNew && !offset_[known].Equals(offset);
@@ -132,53 +133,59 @@ private:
         }
     }
 
-    // Each code becomes the largest of its own and the following ones within reach on each axis.
-    [[gnu::noinline]] void Dilate() {
-        const std::int32_t lastY = (size_[1] + 1) / 2;
+    // Layer by layer. Codes of no more layers are kept than the bounds of one are taken over.
+    template <class Codes>
+    [[gnu::noinline]] void FillWith(Codes& codes) {
         const std::int32_t lastZ = (size_[2] + 1) / 2;
-        // Codes of blocks behind the sampled ones are 0, and codes before them are wanted as far as they reach.
-        const std::int32_t firstY = MaxOf(1, sampled_.first[1] - reach_[1]);
-        const std::int32_t firstZ = MaxOf(1, sampled_.first[2] - reach_[2]);
-        for (std::int32_t z = sampled_.first[2]; z <= sampled_.last[2]; ++z) {
-            for (std::int32_t y = sampled_.first[1]; y <= sampled_.last[1]; ++y) {
-                std::uint8_t* row = Row(codes_, y, z) - SkipExtent::kReach;
-                for (std::int32_t pass = 0; pass < reach_[0]; ++pass) {
-                    Merge(row, row + 1, extent_.stride);
-                }
+        std::int32_t next = FirstCoded(2);
+        // Stretches begin in the sampled blocks, or a border block beside them.
+        for (std::int32_t z = sampled_.first[2] - 1; z <= sampled_.last[2] + 1 && z < extent_.blocksZ; ++z) {
+            const std::int32_t needed = Between(z + farthest_, 1, lastZ) + reach_[2];
+            for (; next <= needed && next <= sampled_.last[2]; ++next) {
+                codes.FillLayer(next, Layer(next));
+                Dilate(next);
             }
-            for (std::int32_t y = firstY; y <= sampled_.last[1] && y < lastY; ++y) {
-                for (std::int32_t next = 1; next <= reach_[1]; ++next) {
-                    MergeRow(Row(codes_, y, z), Row(codes_, y + next < lastY ? y + next : lastY, z));
-                }
-            }
-        }
-        for (std::int32_t z = firstZ; z <= sampled_.last[2] && z < lastZ; ++z) {
-            for (std::int32_t next = 1; next <= reach_[2]; ++next) {
-                for (std::int32_t y = firstY; y <= sampled_.last[1]; ++y) {
-                    MergeRow(Row(codes_, y, z), Row(codes_, y, z + next < lastZ ? z + next : lastZ));
-                }
-            }
+            FormBounds(z);
         }
     }
 
-    [[gnu::noinline]] void FormBounds() {
+    // Codes before the sampled blocks are wanted as far as those reach back; codes behind them are 0.
+    std::int32_t FirstCoded(int axis) const { return MaxOf(1, sampled_.first[axis] - reach_[axis]); }
+
+    // Each code becomes the largest of its own and the following ones within reach on each axis.
+    [[gnu::noinline]] void Dilate(std::int32_t z) {
+        const std::int32_t lastY = (size_[1] + 1) / 2;
+        for (std::int32_t y = sampled_.first[1]; y <= sampled_.last[1]; ++y) {
+            std::uint8_t* row = CodeRow(y, z) - SkipExtent::kReach;
+            for (std::int32_t pass = 0; pass < reach_[0]; ++pass)
+                Merge(row, row + 1, extent_.stride);
+        }
+        for (std::int32_t y = FirstCoded(1); y <= sampled_.last[1]; ++y) {
+            for (std::int32_t next = 1; next <= reach_[1] && y + next <= lastY; ++next)
+                MergeRow(CodeRow(y, z), CodeRow(y + next, z));
+        }
+        for (std::int32_t before = MaxOf(FirstCoded(2), z - reach_[2]); before < z; ++before) {
+            for (std::int32_t y = FirstCoded(1); y <= sampled_.last[1]; ++y)
+                MergeRow(CodeRow(y, before), CodeRow(y, z));
+        }
+    }
+
+    [[gnu::noinline]] void FormBounds(std::int32_t z) {
         const std::int32_t lastY = (size_[1] + 1) / 2;
         const std::int32_t lastZ = (size_[2] + 1) / 2;
-        // Stretches begin in the sampled blocks, or a border block beside them.
-        for (std::int32_t z = sampled_.first[2] - 1; z <= sampled_.last[2] + 1 && z < extent_.blocksZ; ++z) {
-            for (std::int32_t y = sampled_.first[1] - 1; y <= sampled_.last[1] + 1 && y < extent_.blocksY;
-                 ++y) {
-                const std::uint8_t* from[kSamples];
-                for (int index = 0; index < offsets_; ++index) {
-                    const Offset& offset = offset_[index];
-                    from[index] = Row(codes_, Between(y + offset.axis[1], 1, lastY),
-                                      Between(z + offset.axis[2], 1, lastZ))
-                                  + offset.axis[0];
-                }
-                std::uint8_t* to = Row(bounds_, y, z);
-                for (std::int32_t x = 0; x < extent_.blocksX; x += 64)
-                    LargestOf(from, offsets_, x, to);
+        for (std::int32_t y = sampled_.first[1] - 1; y <= sampled_.last[1] + 1 && y < extent_.blocksY; ++y) {
+            const std::uint8_t* from[kSamples];
+            int count = 0;
+            for (int index = 0; index < offsets_; ++index) {
+                const Offset& offset = offset_[index];
+                const std::int32_t layer = Between(z + offset.axis[2], 1, lastZ);
+                if (layer < FirstCoded(2) || layer > sampled_.last[2]) continue;
+                from[count++] = CodeRow(Between(y + offset.axis[1], 1, lastY), layer) + offset.axis[0];
             }
+            std::uint8_t* to = bounds_ + static_cast<std::size_t>(z) * extent_.boundsLayer
+                               + static_cast<std::size_t>(y) * extent_.boundsStride;
+            for (std::int32_t x = 0; x < extent_.blocksX; x += 64)
+                LargestOf(from, count, x, to);
         }
     }
 
@@ -212,9 +219,11 @@ private:
     static std::int32_t Between(std::int32_t value, std::int32_t low, std::int32_t high) {
         return value < low ? low : (value > high ? high : value);
     }
-    std::uint8_t* Row(std::uint8_t* table, std::int32_t y, std::int32_t z) const {
-        return table + static_cast<std::size_t>(z) * extent_.slab
-               + static_cast<std::size_t>(y) * extent_.stride;
+    std::uint8_t* Layer(std::int32_t z) const {
+        return codes_ + static_cast<std::size_t>(z % extent_.layers) * extent_.layer;
+    }
+    std::uint8_t* CodeRow(std::int32_t y, std::int32_t z) const {
+        return Layer(z) + static_cast<std::size_t>(y) * extent_.stride;
     }
     void MergeRow(std::uint8_t* row, const std::uint8_t* next) const {
         Merge(row - SkipExtent::kReach, next - SkipExtent::kReach, extent_.stride);
@@ -228,6 +237,7 @@ private:
         }
     }
 
+    std::int32_t farthest_ = 0; // offset along z
     SkipExtent extent_;
     SampledBlocks sampled_;
     std::uint8_t highest_[3] = {255, 255, 255};
