@@ -4,9 +4,9 @@
 // - the first voxel that counts turns the initial value into a sum of 0
 // - colour tests the window on the channel sum, and sums each channel by itself
 // - sums are kept in single precision: beyond 2^24 they lose integer exactness
-#include "render/isa/FloatLanes.h"
 #include "render/isa/Kernels.h"
 #include "render/isa/Render.h"
+#include "render/isa/SumLanes.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {

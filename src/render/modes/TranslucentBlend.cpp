@@ -6,9 +6,9 @@
 // - t = 1 is taken as 0.95: samples never lose all their weight
 // - the window skips what lies outside it, so a bound that is not a number skips nothing
 // - the first voxel that counts turns the initial value into 0
-#include "render/isa/FloatLanes.h"
 #include "render/isa/Kernels.h"
 #include "render/isa/Render.h"
+#include "render/isa/SingleLanes.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
@@ -22,19 +22,20 @@ double OpacityOf(float transparency) {
 
 // The blends of the rays that are not accepted, as they were.
 template <int kBlends>
-[[gnu::noinline]] void PutBack(FloatLanes (&blends)[kBlends], const FloatLanes (&before)[kBlends],
+[[gnu::noinline]] void PutBack(SingleLanes (&blends)[kBlends], const SingleLanes (&before)[kBlends],
                                Bytes accepted) {
     for (int blend = 0; blend < kBlends; ++blend) {
         for (int ray = 0; ray < kRays; ++ray) {
-            if (!accepted[ray]) blends[blend].value[ray] = before[blend].value[ray];
+            if (accepted[ray]) continue;
+            const int part = ray / kDoubleLanes;
+            blends[blend].part[part][ray % kDoubleLanes] = before[blend].part[part][ray % kDoubleLanes];
         }
     }
 }
 
 // (1 - w) * behind + w * value, in doubles, rounded once.
-Z3D_INLINE void Cover(FloatLanes& behind, int ray, Doubles weight, Doubles value) {
-    const Doubles old = LoadAsDoubles(behind.value + ray);
-    StoreSingle(behind.value + ray, (1.0 - weight) * old + weight * value);
+Z3D_INLINE void Cover(SingleLanes& behind, int part, Doubles weight, Doubles value) {
+    behind.part[part] = RoundToSingle((1.0 - weight) * behind.part[part] + weight * value);
 }
 
 struct BlendRule : RuleDefaults {
@@ -56,7 +57,7 @@ struct BlendRule : RuleDefaults {
 struct BlendGrey : BlendRule {
     using Format = Grey;
     struct Lanes {
-        FloatLanes blend[1];
+        SingleLanes blend[1];
         Bytes isFound;
     };
     GreyWindow window;
@@ -77,16 +78,17 @@ struct BlendGrey : BlendRule {
         CoverAll(sample.value & accepted, lanes);
     }
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
-        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.blend[0].value[ray];
+        if (lanes.isFound[ray]) pixel[0] = pixel[1] = pixel[2] = lanes.blend[0].Of(ray);
     }
 
 private:
     Z3D_INLINE void CoverAll(Bytes bytes, Lanes& lanes) const {
-        const IntegerLanes values(bytes);
-        for (int ray = 0; ray < kRays; ray += kDoubleLanes) {
-            const Doubles value = LoadAsDoubles(values.value + ray);
+        const DoubleLanes values = Widen(bytes);
+#pragma GCC unroll 8
+        for (int part = 0; part < kRays / kDoubleLanes; ++part) {
+            const Doubles value = values.part[part];
             // The weight is kept in single precision; colour does not round it.
-            Cover(lanes.blend[0], ray, RoundToSingle(value * kOverLargestByte * opacity), value);
+            Cover(lanes.blend[0], part, RoundToSingle(value * kOverLargestByte * opacity), value);
         }
     }
 };
@@ -94,7 +96,7 @@ private:
 struct BlendRgb : BlendRule {
     using Format = Rgb;
     struct Lanes {
-        FloatLanes blend[3];
+        SingleLanes blend[3];
         Bytes isFound;
     };
     RgbWindow window;
@@ -117,20 +119,21 @@ struct BlendRgb : BlendRule {
     void Finish(const Lanes& lanes, int ray, float* pixel) const {
         if (!lanes.isFound[ray]) return;
         for (int c = 0; c < 3; ++c)
-            pixel[c] = lanes.blend[c].value[ray];
+            pixel[c] = lanes.blend[c].Of(ray);
     }
 
 private:
     Z3D_INLINE void CoverAll(const RgbSample& sample, Bytes mask, Lanes& lanes) const {
         const RgbSample shown = {
             {sample.channel[0] & mask, sample.channel[1] & mask, sample.channel[2] & mask}, {}};
-        const IntegerLanes sums(shown.Sum());
-        const IntegerLanes values[3] = {IntegerLanes(shown.channel[0]), IntegerLanes(shown.channel[1]),
-                                        IntegerLanes(shown.channel[2])};
-        for (int ray = 0; ray < kRays; ray += kDoubleLanes) {
-            const Doubles weight = LoadAsDoubles(sums.value + ray) * kOverLargestSum * opacity;
-            for (int c = 0; c < 3; ++c)
-                Cover(lanes.blend[c], ray, weight, LoadAsDoubles(values[c].value + ray));
+        DoubleLanes weights = Widen(shown.Sum());
+        for (Doubles& weight : weights.part)
+            weight = weight * kOverLargestSum * opacity;
+        for (int c = 0; c < 3; ++c) {
+            const DoubleLanes values = Widen(shown.channel[c]);
+#pragma GCC unroll 8
+            for (int part = 0; part < kRays / kDoubleLanes; ++part)
+                Cover(lanes.blend[c], part, weights.part[part], values.part[part]);
         }
     }
 };
