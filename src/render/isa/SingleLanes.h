@@ -51,4 +51,17 @@ struct SingleLanes {
     float Of(int ray) const { return static_cast<float>(part[ray / kDoubleLanes][ray % kDoubleLanes]); }
 };
 
+// Puts the values of the rays back that are not accepted.
+template <int kLanes>
+[[gnu::noinline]] void PutBack(SingleLanes (&lanes)[kLanes], const SingleLanes (&before)[kLanes],
+                               Bytes accepted) {
+    for (int number = 0; number < kLanes; ++number) {
+        for (int ray = 0; ray < kRays; ++ray) {
+            if (accepted[ray]) continue;
+            const int part = ray / kDoubleLanes;
+            lanes[number].part[part][ray % kDoubleLanes] = before[number].part[part][ray % kDoubleLanes];
+        }
+    }
+}
+
 } // namespace z3d::render::Z3D_ISA

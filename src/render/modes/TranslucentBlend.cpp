@@ -20,19 +20,6 @@ double OpacityOf(float transparency) {
     return 1 - static_cast<double>(transparency == 1 ? 0.95f : transparency);
 }
 
-// The blends of the rays that are not accepted, as they were.
-template <int kBlends>
-[[gnu::noinline]] void PutBack(SingleLanes (&blends)[kBlends], const SingleLanes (&before)[kBlends],
-                               Bytes accepted) {
-    for (int blend = 0; blend < kBlends; ++blend) {
-        for (int ray = 0; ray < kRays; ++ray) {
-            if (accepted[ray]) continue;
-            const int part = ray / kDoubleLanes;
-            blends[blend].part[part][ray % kDoubleLanes] = before[blend].part[part][ray % kDoubleLanes];
-        }
-    }
-}
-
 // (1 - w) * behind + w * value, in doubles, rounded once.
 Z3D_INLINE void Cover(SingleLanes& behind, int part, Doubles weight, Doubles value) {
     behind.part[part] = RoundToSingle((1.0 - weight) * behind.part[part] + weight * value);
