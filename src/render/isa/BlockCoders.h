@@ -19,7 +19,7 @@ Z3D_INLINE void LoadVoxels(const std::uint8_t* voxels, std::int32_t columns, std
     }
     std::uint8_t filled[kBytes * (kRays + 1)];
     __builtin_memset(filled, beyond, sizeof filled);
-    const auto existing = static_cast<std::size_t>(kBytes * columns);
+    const auto existing = std::size_t{kBytes} * static_cast<std::size_t>(columns);
     __builtin_memcpy(filled, voxels, existing);
     __builtin_memcpy(filled + existing, voxels + existing - kBytes, kBytes);
     __builtin_memcpy(&bytes, filled, sizeof bytes);

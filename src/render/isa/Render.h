@@ -10,14 +10,8 @@ namespace z3d::render::Z3D_ISA {
 // Nothing can contribute.
 template <class Rule>
 void FillWithInitial(const ProjectionJob& job) {
-    const std::int32_t width = job.geometry.outputWidth;
-    const std::int32_t height = job.geometry.outputHeight;
-    for (std::int32_t row = Rule::kBorder; row < height - Rule::kBorder; ++row) {
-        float* pixels = job.pixels + 3 * static_cast<std::size_t>(row) * static_cast<std::size_t>(width);
-        for (std::int32_t index = 3 * Rule::kBorder; index < 3 * (width - Rule::kBorder); ++index) {
-            pixels[index] = Rule::kInitial;
-        }
-    }
+    for (std::int32_t row = Rule::kBorder; row < job.geometry.outputHeight - Rule::kBorder; ++row)
+        FillRowWithInitial<Rule>(job, row);
 }
 
 // True when the projection is done: nothing can contribute, or whole rows could be reduced.

@@ -21,15 +21,12 @@ inline bool HasVolumeColumns(const ProjectionJob& job) {
            && job.geometry.outputDepth <= (1 << 24);
 }
 
+// For rules that do not ask where their voxels lie.
 template <class Rule>
 class RowWalk {
 public:
     RowWalk(const ProjectionJob& job, const Rule& rule)
-        : job_(job),
-          geometry_(job.geometry),
-          rule_(rule),
-          nearest_(job, rule.Margin()),
-          walk_(job, Rule::kBackToFront, rule.Margin()) {}
+        : job_(job), geometry_(job.geometry), rule_(rule), walk_(job, Rule::kBackToFront, rule.Margin()) {}
 
     void Render() {
         FindLiveColumns();
@@ -37,7 +34,7 @@ public:
         for (std::int32_t top = Rule::kBorder; top < end; top += kRays) {
             const std::int32_t rows = end - top < kRays ? end - top : kRays;
             for (std::int32_t row = top; row < top + rows; ++row)
-                FillWithInitial(PixelsOf(row));
+                FillRowWithInitial<Rule>(job_, row);
             TrimStrip(top, rows);
             for (std::int32_t left = firstColumn_; left <= lastColumn_; left += kGroups * kRays) {
                 ReduceColumns(left);
@@ -59,13 +56,6 @@ private:
     float* PixelsOf(std::int32_t row) const {
         return job_.pixels
                + 3 * static_cast<std::size_t>(row) * static_cast<std::size_t>(geometry_.outputWidth);
-    }
-
-    void FillWithInitial(float* pixels) const {
-        for (std::int32_t index = 3 * Rule::kBorder; index < 3 * (geometry_.outputWidth - Rule::kBorder);
-             ++index) {
-            pixels[index] = Rule::kInitial;
-        }
     }
 
     // Columns whose rays lie within the crop box on x, bounds inclusive.
@@ -131,7 +121,7 @@ private:
         Positions positions = strip_.starts;
         bool isLive = true;
         for (std::int32_t done = 0; done < strip_.longest && isLive; done += kSamples) {
-            walk_.template NextStretch<Rule::kUsesPositions>(positions, kSamples, indexes_);
+            walk_.template NextStretch<false>(positions, kSamples, indexes_);
             isLive = false;
             for (int row = 0; row < kRays; ++row) {
                 const std::int32_t left = strip_.samples[row] - done;
@@ -169,14 +159,12 @@ private:
             lanes[part] = lanes_[row][group + part];
             base[part] = base_[group + part];
             isLive |= ~rule_.Ended(lanes[part]);
-            if constexpr (Rule::kUsesIndexes) Describe(row, base[part], samples);
         }
         if (!AnySet(isLive)) return false;
         for (int sample = 0; sample < samples; ++sample) {
 #pragma GCC unroll 4
             for (int part = 0; part < kTogether; ++part) {
-                const auto voxels =
-                    LoadSixteen<Format>(voxels_[sample] + base[part] * Format::kBytes, {&described_, sample});
+                const auto voxels = LoadSixteen<Format>(voxels_[sample] + base[part] * Format::kBytes);
                 if constexpr (kAccepted) {
                     rule_.Sample(AcceptedGrey{voxels.value}, AllBytes(0xFF), lanes[part]);
                 } else {
@@ -190,23 +178,6 @@ private:
             lanes_[row][group + part] = lanes[part];
         }
         return true;
-    }
-
-    // Where the voxels of a group lie, from those of column 0.
-    void Describe(int row, std::int32_t base, int samples) {
-        for (int sample = 0; sample < samples; ++sample) {
-            for (std::int32_t ray = 0; ray < kRays; ++ray) {
-                const std::int32_t column = nearest_.Clamp(base + ray, 0);
-                described_.z[sample][ray] = indexes_.z[sample][row];
-                described_.plane[sample][ray] =
-                    indexes_.plane[sample][row] + static_cast<std::uint32_t>(column);
-                if constexpr (Rule::kUsesPositions) {
-                    described_.position[0][sample][ray] = static_cast<float>(base + ray);
-                    described_.position[1][sample][ray] = indexes_.position[1][sample][row];
-                    described_.position[2][sample][ray] = indexes_.position[2][sample][row];
-                }
-            }
-        }
     }
 
     void FinishColumns(std::int32_t top) {
@@ -232,7 +203,6 @@ private:
     const ProjectionJob& job_;
     const RayGeometry& geometry_;
     const Rule rule_;
-    const NearestIndex nearest_;
     const IndexWalk walk_;
     std::int32_t firstColumn_ = 0;
     std::int32_t lastColumn_ = -1;
@@ -240,7 +210,6 @@ private:
     std::int32_t groups_ = 0;
     std::int32_t base_[kGroups]; // first column
     Indexes indexes_;            // of column 0; here a lane is an output row
-    Indexes described_;          // of the columns of one group, for rules that ask for it
     const std::uint8_t* voxels_[kSamples];
     std::uint8_t shortRows_[kSamples][kRays * Format::kBytes] = {};
     Lanes lanes_[kRays][kGroups];

@@ -32,8 +32,7 @@ struct RuleDefaults {
     static constexpr std::int32_t kBorder = 0;    // output pixels at each edge that are left 0
     static constexpr int kFirstLook = kSamples;   // samples that a packet takes before it asks who has ended
     static constexpr int kLook = kSamples;        // and between later questions
-    static constexpr bool kUsesIndexes = false;   // whether samples know where their voxels lie
-    static constexpr bool kUsesPositions = false; // and their unrounded positions
+    static constexpr bool kUsesPositions = false; // whether samples know their unrounded positions
     static constexpr Measure kMeasure = Measure::Presence; // what bounds of skipped stretches are about
 
     // The smallest voxel index that is sampled on every axis; the largest lies as far from the other end.
@@ -67,7 +66,7 @@ struct RuleDefaults {
 
 // Whether the sample of a rule is such a template. Worth its size where a sample costs little else.
 template <class Rule>
-constexpr bool TakesAccepted = requires(const Rule& rule, typename Rule::Lanes& lanes) {
+concept TakesAccepted = requires(const Rule& rule, typename Rule::Lanes& lanes) {
     rule.Sample(AcceptedGrey{}, Bytes{}, lanes);
 };
 
@@ -78,6 +77,15 @@ Z3D_INLINE Bytes IsAbove(Bytes bound, Bytes largest, Bytes isFound) {
     const Bytes safe = Smaller(largestBound, AllBytes(254)) | AreEqual(largest, AllBytes(255));
     const Bytes reached = safe & isFound;
     return ~AreEqual(Larger(bound, reached), reached);
+}
+
+// One row of the image as it is without contributions.
+template <class Rule>
+void FillRowWithInitial(const ProjectionJob& job, std::int32_t row) {
+    const std::int32_t width = job.geometry.outputWidth;
+    float* pixels = job.pixels + 3 * static_cast<std::size_t>(row) * static_cast<std::size_t>(width);
+    for (std::int32_t index = 3 * Rule::kBorder; index < 3 * (width - Rule::kBorder); ++index)
+        pixels[index] = Rule::kInitial;
 }
 
 } // namespace z3d::render::Z3D_ISA

@@ -137,11 +137,11 @@ struct Rgb {
 
 // Sixteen voxels side by side.
 template <class Format>
-Z3D_INLINE typename Format::Sample LoadSixteen(const std::uint8_t* voxels, SampleIndexes at);
+Z3D_INLINE typename Format::Sample LoadSixteen(const std::uint8_t* voxels);
 
 template <>
-Z3D_INLINE GreySample LoadSixteen<Grey>(const std::uint8_t* voxels, SampleIndexes at) {
-    return {ToBytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(voxels))), at};
+Z3D_INLINE GreySample LoadSixteen<Grey>(const std::uint8_t* voxels) {
+    return {ToBytes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(voxels))), {}};
 }
 
 // The channels of sixteen voxels: 48 bytes, riffled four times. A riffle moves byte i to 2i mod 47, so four of them
@@ -159,11 +159,11 @@ Z3D_INLINE void SplitChannels(Bytes (&bytes)[3]) {
 }
 
 template <>
-Z3D_INLINE RgbSample LoadSixteen<Rgb>(const std::uint8_t* voxels, SampleIndexes at) {
+Z3D_INLINE RgbSample LoadSixteen<Rgb>(const std::uint8_t* voxels) {
     Bytes channel[3];
     __builtin_memcpy(&channel, voxels, sizeof channel);
     SplitChannels(channel);
-    return {{channel[0], channel[1], channel[2]}, at};
+    return {{channel[0], channel[1], channel[2]}, {}};
 }
 
 } // namespace z3d::render::Z3D_ISA

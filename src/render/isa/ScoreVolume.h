@@ -130,12 +130,12 @@ private:
     void ScoreSixteen(const std::uint8_t* row, const std::uint8_t* const* neighbour, std::int32_t x,
                       std::uint16_t* to) const {
         const __m128i zero = _mm_setzero_si128();
-        const GreySample centre = LoadSixteen<Grey>(row + x, {});
+        const GreySample centre = LoadSixteen<Grey>(row + x);
         __m128i low = zero;
         __m128i high = zero;
 #pragma GCC unroll 4
         for (int number = 0; number < kDirections; ++number) {
-            const GreySample other = LoadSixteen<Grey>(neighbour[number] + x + direction_[number].shift, {});
+            const GreySample other = LoadSixteen<Grey>(neighbour[number] + x + direction_[number].shift);
             const __m128i apart = _mm_or_si128(_mm_subs_epu8(Raw(other.value), Raw(centre.value)),
                                                _mm_subs_epu8(Raw(centre.value), Raw(other.value)));
             const __m128i counted = _mm_and_si128(apart, Raw(window_.Accepts(other)));

@@ -26,12 +26,12 @@ struct alignas(64) Indexes {
 // interval (-2, 65536). The addition rounded in single precision differs.
 constexpr float kUpperPart = 0.51f;
 
-// The indexes that may be sampled on each axis, and the nearest one to a single coordinate.
-struct NearestIndex {
+// The indexes that may be sampled on each axis.
+struct SampledIndexes {
     std::int32_t first[3];
     std::int32_t last[3];
 
-    NearestIndex(const ProjectionJob& job, std::int32_t margin) {
+    SampledIndexes(const ProjectionJob& job, std::int32_t margin) {
         const std::int32_t sizes[3] = {job.grid.width, job.grid.height, job.grid.depth};
         for (int axis = 0; axis < 3; ++axis) {
             first[axis] = margin;
@@ -40,23 +40,13 @@ struct NearestIndex {
             if (first[axis] > last[axis]) first[axis] = last[axis] = last[axis] < 0 ? 0 : last[axis];
         }
     }
-    Z3D_INLINE std::int32_t Clamp(std::int32_t index, int axis) const {
-        return index < first[axis] ? first[axis] : (index > last[axis] ? last[axis] : index);
-    }
-    Z3D_INLINE std::int32_t Index(float coordinate, int axis) const {
-        const auto low = static_cast<float>(first[axis]);
-        const auto high = static_cast<float>(last[axis]);
-        const float inside = coordinate > low ? (coordinate < high ? coordinate : high) : low;
-        const auto whole = static_cast<std::int32_t>(inside);
-        return whole + (inside - static_cast<float>(whole) > kUpperPart ? 1 : 0);
-    }
 };
 
 // Turns positions into voxel indexes, 16 samples per ray, and leaves the positions behind the last sample.
 class IndexWalk {
 public:
     explicit IndexWalk(const ProjectionJob& job, bool backToFront, std::int32_t margin) {
-        const NearestIndex nearest(job, margin);
+        const SampledIndexes nearest(job, margin);
         for (int axis = 0; axis < 3; ++axis) {
             const float step = job.geometry.inverse[3 * axis + 2];
             step_[axis] = AllFloats(backToFront ? -step : step);
@@ -95,8 +85,8 @@ private:
 #pragma GCC unroll 4
         for (int sample = 0; sample < kSamples; ++sample) {
 #pragma GCC unroll kParts
-            for (int part = 0; part < kParts; ++part)
-                at[part] += step;
+            for (Floats& part : at)
+                part += step;
         }
 #pragma GCC unroll kParts
         for (int part = 0; part < kParts; ++part)

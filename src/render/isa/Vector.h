@@ -81,7 +81,6 @@ Z3D_INLINE Ints IsAbove(Floats a, Floats b) {
 
 // Truncation; the values must lie in the range of a 32-bit integer.
 Z3D_INLINE Ints Truncate(Floats value) { return __builtin_convertvector(value, Ints); }
-Z3D_INLINE Uints TruncateUnsigned(Floats value) { return reinterpret_cast<Uints>(Truncate(value)); }
 Z3D_INLINE Floats ToFloats(Ints value) { return __builtin_convertvector(value, Floats); }
 
 // row * width + column, for numbers below 2^15: the two halves of each word are multiplied by those of the factors,

@@ -20,7 +20,6 @@ namespace {
 struct NeighbourContrastGrey : RuleDefaults {
     using Format = Grey;
     static constexpr std::int32_t kBorder = 1;
-    static constexpr bool kUsesIndexes = true;
     struct Lanes {
         std::int32_t best[kRays];
     };
@@ -120,7 +119,7 @@ void ContrastProjectionGrey(const ProjectionJob& job) {
             return;
         }
     }
-    RenderWith(job, rule);
+    RenderPackets(job, rule, job.grid);
 }
 
 void ContrastProjectionRgb(const ProjectionJob& job) {

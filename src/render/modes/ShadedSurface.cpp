@@ -18,7 +18,6 @@ template <class VoxelFormat>
 struct SurfaceRule : RuleDefaults {
     using Format = VoxelFormat;
     static constexpr float kInitial = 0;
-    static constexpr bool kUsesIndexes = true;
     typename Format::Window window;
     SurfaceShade<Format> shade;
 
