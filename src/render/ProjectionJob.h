@@ -87,10 +87,16 @@ struct ProjectionJob {
 constexpr std::int32_t kPacketSide = 4;
 constexpr std::int32_t kTileSide = 32;
 constexpr std::int32_t kRowPadding = 16;
+
+// Indexes of scratch memory are 32-bit. Wider outputs, which only matrices that are no rotations lead to, ask for sizes
+// that cannot be had.
+constexpr std::int32_t kWidestOutput = INT32_MAX / (2 * kTileSide) - kRowPadding;
 inline std::size_t StripScratchBytes(std::int32_t outputWidth) {
+    if (outputWidth > kWidestOutput) return SIZE_MAX;
     return 2 * kTileSide * static_cast<std::size_t>(outputWidth);
 }
 inline std::size_t RowScratchInts(std::int32_t outputWidth) {
+    if (outputWidth > kWidestOutput) return SIZE_MAX;
     return 2 * kTileSide * (static_cast<std::size_t>(outputWidth) + kRowPadding);
 }
 

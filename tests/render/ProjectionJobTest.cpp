@@ -28,4 +28,19 @@ TEST(SkipTableBytes, DoesNotWrap) {
     EXPECT_EQ(bytes, sizeof(std::size_t) == 4 ? std::uint64_t{SIZE_MAX} : std::uint64_t{36'538'745'888});
 }
 
+// A band is 32 rows, with two numbers per ray.
+TEST(Scratch, IsForTheRaysOfOneBand) {
+    EXPECT_EQ(render::RowScratchInts(100), 64u * 116);
+    EXPECT_EQ(render::StripScratchBytes(100), 64u * 100);
+}
+
+// In 32 bits 64 * 2^26 would be nothing at all, and the output itself can be had: a row of 805 million bytes.
+TEST(Scratch, DoesNotWrap) {
+    EXPECT_EQ(render::RowScratchInts(33'554'415), 64u * 33'554'431);
+    for (const std::int32_t width : {33'554'416, 1 << 26, INT32_MAX}) {
+        EXPECT_EQ(render::RowScratchInts(width), SIZE_MAX);
+        EXPECT_EQ(render::StripScratchBytes(width), SIZE_MAX);
+    }
+}
+
 } // namespace
