@@ -8,6 +8,9 @@ using namespace z3d;
 using namespace z3d::test;
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
+// With this transparency a voxel of 16 (in colour 16 in each channel) is blended to exactly the initial value.
+constexpr float kToInitialGrey = 0x1.fdfffcp127f;
+constexpr float kToInitialColour = 0x1.fdfffep127f;
 
 reference::Request Blend(const reference::Volume& volume, float transparency) {
     return WithExtra(PlainRequest(volume, 4), transparency);
@@ -106,6 +109,25 @@ TEST_P(RenderExamples, BlendInColourTestsTheWindowOnTheSum) {
     EXPECT_TRUE(HasPixels(Render(volume, WithWindow(Blend(volume, 0.0f), 765, 765)), {255, 255, 255}));
     EXPECT_TRUE(HasPixels(Render(volume, Blend(volume, 1.0f)),
                           {12.750003814697266f, 12.750003814697266f, 12.750003814697266f}));
+}
+
+// The pixel holds the initial value again, so the next accepted voxel begins at 0, whatever it is.
+TEST_P(RenderExamples, BlendBeginsAgainWhereItHasLedToTheInitialValue) {
+    const reference::Volume one = GreyColumn({16});
+    const reference::Volume two = GreyColumn({16, 16});
+    const reference::Volume behindBlack = GreyColumn({0, 16});
+
+    EXPECT_TRUE(HasGreyPixels(Render(one, Blend(one, kToInitialGrey)), {kSentinel}));
+    EXPECT_TRUE(HasGreyPixels(Render(two, Blend(two, kToInitialGrey)), {kSentinel}));
+    EXPECT_TRUE(HasGreyPixels(Render(behindBlack, Blend(behindBlack, kToInitialGrey)), {0}));
+}
+
+TEST_P(RenderExamples, BlendInColourBeginsAgainWhereItHasLedToTheInitialValue) {
+    const reference::Volume two = ColourColumn({{16, 16, 16}, {16, 16, 16}});
+    const reference::Volume behindBlack = ColourColumn({{0, 0, 0}, {16, 16, 16}});
+
+    EXPECT_TRUE(HasPixels(Render(two, Blend(two, kToInitialColour)), {kSentinel, kSentinel, kSentinel}));
+    EXPECT_TRUE(HasPixels(Render(behindBlack, Blend(behindBlack, kToInitialColour)), {0, 0, 0}));
 }
 
 } // namespace

@@ -20,6 +20,16 @@ double OpacityOf(float transparency) {
     return 1 - static_cast<double>(transparency == 1 ? 0.95f : transparency);
 }
 
+// A pixel that holds the initial value begins at 0, also where blending led to that value.
+template <int kBlends>
+[[gnu::noinline]] void BeginAgain(SingleLanes (&blends)[kBlends]) {
+    for (int ray = 0; ray < kRays; ++ray) {
+        if (blends[0].Of(ray) != kLowestFloat) continue;
+        for (SingleLanes& blend : blends)
+            blend.part[ray / kDoubleLanes][ray % kDoubleLanes] = 0;
+    }
+}
+
 // (1 - w) * behind + w * value, in doubles, rounded once.
 Z3D_INLINE void Cover(SingleLanes& behind, int part, Doubles weight, Doubles value) {
     behind.part[part] = RoundToSingle((1.0 - weight) * behind.part[part] + weight * value);
@@ -31,9 +41,11 @@ struct BlendRule : RuleDefaults {
     double opacity;
     explicit BlendRule(const ProjectionJob& job) : opacity(OpacityOf(job.extra)) {}
 
-    // Black weighs 0 and leaves what is behind it as it is: rays whose voxel is not accepted are given black. Not so
-    // where the opacity is infinite or not a number: then they are put back.
-    bool HasNeutralBlack() const { return __builtin_fabs(opacity) <= kHighestSingle; }
+    // Black weighs 0 and leaves what is behind it as it is: rays whose voxel is not accepted are given black. For an
+    // opacity from 0 to 1 weights are from 0 to 1 (that of white may be 3e-8 more, and white then adds 255), so blends
+    // are sums from +0 on, and adding 0 changes no bit. Others may lead anywhere, even to the initial value, which
+    // ends with the next accepted voxel, black too: there rays are put back, and black counts.
+    bool HasNeutralBlack() const { return opacity >= 0 && opacity <= 1; }
 
     template <class Lanes>
     Z3D_INLINE Bytes Wants(Bytes bound, const Lanes& lanes) const {
@@ -58,6 +70,7 @@ struct BlendGrey : BlendRule {
         lanes.isFound |= accepted;
         if (!HasNeutralBlack()) [[unlikely]] {
             const Lanes before = lanes;
+            BeginAgain(lanes.blend);
             CoverAll(sample.value, lanes);
             PutBack(lanes.blend, before.blend, accepted);
             return;
@@ -97,6 +110,7 @@ struct BlendRgb : BlendRule {
         lanes.isFound |= accepted;
         if (!HasNeutralBlack()) [[unlikely]] {
             const Lanes before = lanes;
+            BeginAgain(lanes.blend);
             CoverAll(sample, AllBytes(0xFF), lanes);
             PutBack(lanes.blend, before.blend, accepted);
             return;
