@@ -29,12 +29,7 @@ protected:
         if (random.Chance(2)) return request;
         const Crop crop =
             RandomCrop(random, random.Chance(3) ? CropKind::OneVoxel : CropKind::Inside, volume);
-        request.x0 = crop.x0;
-        request.x1 = crop.x1;
-        request.y0 = crop.y0;
-        request.y1 = crop.y1;
-        request.z0 = crop.z0;
-        request.z1 = crop.z1;
+        CropTo(request, crop);
         return request;
     }
 };

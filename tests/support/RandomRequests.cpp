@@ -104,6 +104,15 @@ std::uint32_t RandomExtra(RandomSource& random) {
     return std::bit_cast<std::uint32_t>(static_cast<float>(random.Unit()));
 }
 
+void CropTo(reference::Request& request, const Crop& crop) {
+    request.x0 = crop.x0;
+    request.x1 = crop.x1;
+    request.y0 = crop.y0;
+    request.y1 = crop.y1;
+    request.z0 = crop.z0;
+    request.z1 = crop.z1;
+}
+
 reference::Request RandomRequest(RandomSource& random, const reference::Volume& volume, int mode) {
     const int largestValue = volume.bytesPerVoxel == 3 ? 765 : 255;
     const auto rotationKind = static_cast<RotationKind>(random.Below(kRotationKinds));
@@ -113,12 +122,7 @@ reference::Request RandomRequest(RandomSource& random, const reference::Volume& 
 
     reference::Request request = PlainRequest(volume, mode, RandomRotation(random, rotationKind));
     const Crop crop = RandomCrop(random, cropKind, volume);
-    request.x0 = crop.x0;
-    request.x1 = crop.x1;
-    request.y0 = crop.y0;
-    request.y1 = crop.y1;
-    request.z0 = crop.z0;
-    request.z1 = crop.z1;
+    CropTo(request, crop);
     const Window window = RandomWindow(random, windowKind, largestValue);
     request.high = window.high;
     request.low = window.low;

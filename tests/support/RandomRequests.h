@@ -73,6 +73,7 @@ Rotation UnusableRotation(RandomSource& random);
 
 Crop RandomCrop(RandomSource& random, CropKind kind, const reference::Volume& volume);
 Crop FullCrop(const reference::Volume& volume);
+void CropTo(reference::Request& request, const Crop& crop);
 
 // `largestValue` is 255 for grey and 765 for colour.
 Window RandomWindow(RandomSource& random, WindowKind kind, int largestValue);
