@@ -88,6 +88,26 @@ TEST_P(UnevenMatrices, ShearedAcrossX) {
     }
 }
 
+// Matrices that just count as rotations, over so many voxels that depths are off by several of them: rays leave the
+// crop box, and meet its faces beyond the ends where faces are looked for.
+TEST_P(UnevenMatrices, OffByAThousandthOverThousandsOfVoxels) {
+    const ComparedVolume flat(NoiseVolume(Size(16000, 2, 50), 5));
+    const ComparedVolume tilted(NoiseVolume(Size(3600, 3, 30), 6));
+    for (const float error : {0.99e-3f, -0.99e-3f}) {
+        reference::Request request = ViewOf(flat.Plain(), {1, 0, 0, 0, 1, 0, error, 0, 1});
+        request.z0 = 24;
+        request.z1 = 27;
+        ASSERT_TRUE(flat.IsRenderedAlike(request));
+
+        Rotation rotation = Rounded(AboutAxis(1, FromHalfTangent(0.15)));
+        for (std::size_t element = 0; element < 3; ++element)
+            rotation[element] += error * rotation[6 + element];
+        request = ViewOf(tilted.Plain(), rotation);
+        request.y0 = request.y1 = 2; // so that no ray runs along a face
+        ASSERT_TRUE(tilted.IsRenderedAlike(request));
+    }
+}
+
 // A ray of so many samples that a sum of bytes passes 2^24, where single precision loses whole numbers: by a row
 // that makes them 200 voxels apart, most of them beyond the border.
 TEST_P(UnevenMatrices, SumsBeyondTheWholeNumbersOfAFloat) {
