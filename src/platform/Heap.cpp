@@ -2,12 +2,15 @@
 
 #include "platform/Refusal.h"
 
+#include <cstdint>
 #include <cstdlib>
 
 namespace z3d::platform {
 
 void* HeapAllocate(std::size_t bytes) {
     if (IsRefused(Resource::Heap)) return nullptr;
+    // No block is larger; not every allocator takes being asked for one well.
+    if (bytes > PTRDIFF_MAX) return nullptr;
     void* memory = std::malloc(bytes == 0 ? 1 : bytes);
     if (memory != nullptr) NoteGranted(Resource::Heap);
     return memory;
