@@ -116,7 +116,8 @@ public:
     }
 
 private:
-    static constexpr std::int32_t kTrial = 64; // vectors after which the linear set-up may be given up
+    // Rows after which the linear set-up may be given up. One row by itself may lie on a face of the crop box.
+    static constexpr std::int32_t kTrialRows = 8;
 
     Z3D_INLINE static __m128i LargerInts(__m128i a, __m128i b) {
         const __m128i isLarger = _mm_cmpgt_epi32(a, b);
@@ -144,7 +145,7 @@ private:
                 setup_.TrimColumns(j, i, first + i, count + i);
             }
         }
-        if (trimmed_ >= kTrial && doubtful_ * 4 > trimmed_) isLinear_ = false;
+        if (++rows_ >= kTrialRows && doubtful_ * 4 > trimmed_) isLinear_ = false;
     }
 
     std::int32_t* First(std::int32_t row) const {
@@ -157,7 +158,8 @@ private:
     const RaySetup setup_;
     const LinearRaySetup linear_;
     bool isLinear_;
-    std::int64_t trimmed_ = 0;
+    std::int32_t rows_ = 0;
+    std::int64_t trimmed_ = 0; // vectors
     std::int64_t doubtful_ = 0;
     const RayShape shape_;
 };
