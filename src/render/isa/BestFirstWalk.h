@@ -56,12 +56,12 @@ private:
     // Stretches that rays have to look at, until there are sixteen.
     struct Queue {
         Positions positions;
-        std::int32_t pixel[kRays]; // of the rows being rendered
+        std::int32_t pixel[kRays]; // of the band
         alignas(16) std::uint8_t samples[kRays];
         int size = 0;
     };
 
-    // Ranks so far of the four rows being rendered, and whether there is one: 0 or 0xFF.
+    // Ranks so far of the rows of the band, and whether there is one: 0 or 0xFF.
     std::uint8_t* Ranks() const { return job_.stripScratch; }
     std::uint8_t* Found() const { return job_.stripScratch + StripScratchBytes(geometry_.outputWidth) / 2; }
     std::int32_t PixelOf(std::int32_t row, std::int32_t left, int ray) const {

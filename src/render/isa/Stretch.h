@@ -46,12 +46,12 @@ struct SampledIndexes {
 class IndexWalk {
 public:
     explicit IndexWalk(const ProjectionJob& job, bool backToFront, std::int32_t margin) {
-        const SampledIndexes nearest(job, margin);
+        const SampledIndexes sampled(job, margin);
         for (int axis = 0; axis < 3; ++axis) {
             const float step = job.geometry.inverse[3 * axis + 2];
             step_[axis] = AllFloats(backToFront ? -step : step);
-            first_[axis] = AllFloats(static_cast<float>(nearest.first[axis]));
-            last_[axis] = AllFloats(static_cast<float>(nearest.last[axis]));
+            first_[axis] = AllFloats(static_cast<float>(sampled.first[axis]));
+            last_[axis] = AllFloats(static_cast<float>(sampled.last[axis]));
         }
         width_ = static_cast<std::uint32_t>(job.grid.width);
         upperPart_ = AllFloats(kUpperPart);
