@@ -65,6 +65,17 @@ typedef struct AxisOrder {
     short axis[3];
 } AxisOrder;
 
+/* What a projection shows; GetRotProjection explains each. */
+enum RenderMode {
+    RenderModeMaximum = 0,
+    RenderModeMinimum = 1,
+    RenderModeSum = 2,
+    RenderModeSurface = 3, /* the first surface, or layered surfaces where `extra` is not 0 */
+    RenderModeBlend = 4,
+    RenderModeContrast = 5,
+    RenderModeFirstHit = 6
+};
+
 #ifndef Z3D_RECORDS_ONLY /* the library's own sources define it: they have functions of the same names */
 
 /* ------------------------------------------------------------------------------------------------------ */
@@ -174,7 +185,7 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  *   volume         every slice present and of the volume's size. It is locked for the call and left unlocked,
  *                  also when the host had locked it.
  *   rotation       9 floats as for GetRotDim; expected to be orthonormal: its transpose is its inverse
- *   mode           what a pixel holds, see below
+ *   mode           one of enum RenderMode: what a pixel holds, see below
  *   x0, x1, y0, y1, z0, z1
  *                  crop box in voxels, 1-based, inclusive: 1..width, 1..height, 1..depth is the whole volume.
  *                  Swapped ends and values beyond the volume are put right.
