@@ -1,24 +1,20 @@
-// Which kernels run on this processor.
+// The kernels of the instruction set in use.
 #pragma once
 
+#include "platform/InstructionSet.h"
 #include "render/KernelTable.h"
 
 namespace z3d::render {
 
-enum class InstructionSet { Sse2, Avx2, Avx512 };
-constexpr InstructionSet kInstructionSets[] = {InstructionSet::Sse2, InstructionSet::Avx2,
-                                               InstructionSet::Avx512};
-
-// The widest one that both the processor and the operating system support.
-InstructionSet BestInstructionSet();
+using platform::BestInstructionSet;
+using platform::ForceInstructionSet;
+using platform::InstructionSet;
+using platform::kInstructionSets;
 
 // The kernels of an instruction set. All give the same results.
 const KernelTable& KernelsOf(InstructionSet set);
 
-// The kernels in use: those of the best instruction set, unless a test has forced another.
+// Those of the current one.
 const KernelTable& CurrentKernels();
-
-// For tests and benchmarks. The processor must have it. Not for use while another thread renders.
-void ForceInstructionSet(InstructionSet set);
 
 } // namespace z3d::render
