@@ -1,14 +1,10 @@
 // ns per sample of the image primitives and of the way from channel files to a volume.
 //
-// Usage: bench_load [--head FILE] [--only TEXT] [--seconds S]
-//   --head   8-bit head of 181 x 217 x 181 voxels without a header (scripts/demo makes build/demo/ch2.raw);
-//            without it a smooth phantom of that size
-//   --only   rows whose name contains the text
-//
 // Each row ends in two ratios: how many times faster than the plain form, and how many times slower than the
 // floor. The floor of a primitive is a memcpy that moves as many bytes; that of the pipeline is the reading of the
 // files and the filling of the result's bytes.
 #include "BenchInput.h"
+#include "ChannelFiles.h"
 #include "PairedTimer.h"
 
 #include "compose/RgbImagePipeline.h"
@@ -26,16 +22,25 @@
 
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <string>
 
 namespace {
 
 using namespace z3d;
+using bench::ChannelFiles;
+using bench::LoadRow;
 using bench::Options;
 using bench::TimeInTurn;
 using primitives::Status;
+
+constexpr bench::Usage kUsage = {
+    "Usage: bench_load [--head FILE] [--only TEXT] [--seconds S]\n"
+    "  --head     8-bit head of 181 x 217 x 181 voxels without a header (scripts/demo makes "
+    "build/demo/ch2.raw);\n"
+    "             without it a smooth phantom of that size\n"
+    "  --only     rows whose name contains the text\n"
+    "  --seconds  time for each row, 0.5 unless given; six times that where files are loaded\n",
+    0.5};
 
 constexpr std::int32_t kWidth = 512;
 constexpr std::int32_t kHeight = 512;
@@ -158,85 +163,50 @@ void MeasurePrimitives(Images& images, const Options& options) {
     bench.Run("VecMin32f", kSamples, kSamples * 4, Z3D_PAIR(VecMin32f, floats, samples, &extreme));
 }
 
-// Three files of shifted copies, removed at the end.
-class ChannelFiles {
-public:
-    ChannelFiles(const reference::Volume& head, bool is8bit) : is8bit_(is8bit), samples_(head.voxels.size()) {
-        for (std::size_t channel = 0; channel < 3; ++channel) {
-            const auto folder = std::filesystem::temp_directory_path();
-            names_[channel] = (folder / ("bench_load_" + std::to_string(channel) + ".tmp")).string();
-            std::ofstream file(names_[channel], std::ios::binary);
-            for (std::size_t i = 0; i < samples_; ++i) {
-                const std::uint8_t byte = head.voxels[(i + 5 * channel) % samples_];
-                const float value = static_cast<float>(byte) * 1.37f - 40.0f;
-                if (is8bit) file.put(static_cast<char>(byte));
-                if (!is8bit) file.write(reinterpret_cast<const char*>(&value), sizeof value);
-            }
-        }
-    }
-    ~ChannelFiles() {
-        for (const std::string& name : names_)
-            std::filesystem::remove(name);
-    }
-    ChannelFiles(const ChannelFiles&) = delete;
-    ChannelFiles& operator=(const ChannelFiles&) = delete;
+::Volume3D* Load(const ChannelFiles& files, const reference::Volume& head, const LoadRow& row) {
+    const frame::Host silent = {nullptr, nullptr, [](void*, const char*) {}};
+    return compose::GetRGBImage({files[0], files[1], files[2], static_cast<std::int16_t>(head.width),
+                                 static_cast<std::int16_t>(head.height),
+                                 static_cast<std::int16_t>(head.depth), row.is8bit, row.maxDiagonal, false,
+                                 nullptr, nullptr, nullptr, nullptr},
+                                silent);
+}
 
-    ::Volume3D* Load(const reference::Volume& head, std::int16_t maxDiagonal) const {
-        const frame::Host silent = {nullptr, nullptr, [](void*, const char*) {}};
-        return compose::GetRGBImage(
-            {names_[0].c_str(), names_[1].c_str(), names_[2].c_str(), static_cast<std::int16_t>(head.width),
-             static_cast<std::int16_t>(head.height), static_cast<std::int16_t>(head.depth), is8bit_,
-             maxDiagonal, false, nullptr, nullptr, nullptr, nullptr},
-            silent);
+// Reads all samples, slice by slice, and fills a volume of the result's size.
+void ReadAndFill(const ChannelFiles& files, const reference::Volume& head, const LoadRow& row,
+                 const ::Volume3D& result) {
+    const std::size_t samples = head.voxels.size() / static_cast<std::size_t>(head.depth);
+    std::vector<std::uint8_t> slice(samples * (row.is8bit ? 1 : 4));
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        platform::File file(files[channel]);
+        for (int z = 0; z < head.depth; ++z)
+            (void)file.Read(slice.data(), slice.size());
     }
-
-    // Reads all samples, slice by slice, and fills a volume of the result's size.
-    void ReadAndFill(const reference::Volume& head, const ::Volume3D& result) const {
-        std::vector<std::uint8_t> slice(samples_ / static_cast<std::size_t>(head.depth) * (is8bit_ ? 1 : 4));
-        for (const std::string& name : names_) {
-            platform::File file(name.c_str());
-            for (int z = 0; z < head.depth; ++z)
-                (void)file.Read(slice.data(), slice.size());
-        }
-        ::Volume3D* filled = frame::GlobalAlloc3D(result.width, result.height, result.depth, 3);
-        std::uint8_t*** rows = frame::GlobalLock3D(filled);
-        for (std::size_t z = 0; z < filled->depth; ++z)
-            std::memset(rows[z][0], slice[0], std::size_t{3} * filled->width * filled->height);
-        frame::GlobalFree3D(filled);
-    }
-
-private:
-    bool is8bit_;
-    std::size_t samples_;
-    std::string names_[3];
-};
+    ::Volume3D* filled = frame::GlobalAlloc3D(result.width, result.height, result.depth, 3);
+    std::uint8_t*** rows = frame::GlobalLock3D(filled);
+    for (std::size_t z = 0; z < filled->depth; ++z)
+        std::memset(rows[z][0], slice[0], std::size_t{3} * filled->width * filled->height);
+    frame::GlobalFree3D(filled);
+}
 
 void MeasurePipeline(const reference::Volume& head, const Options& options) {
-    // The diagonal of the head is 335.2 voxels.
-    constexpr std::int16_t kThreeQuarters = 251;
-    constexpr std::int16_t kWhole = 336;
-    for (const bool is8bit : {true, false}) {
-        for (const std::int16_t diagonal : {kThreeQuarters, kWhole}) {
-            const std::string name = std::string("three channels of ") + (is8bit ? "bytes" : "floats")
-                                     + (diagonal == kWhole ? "" : ", shrunk to 0.75");
-            if (!options.Wants(name)) continue;
-            const ChannelFiles files(head, is8bit);
-            ::Volume3D* result = files.Load(head, diagonal);
-            const std::vector<double> seconds =
-                TimeInTurn({[&] { frame::GlobalFree3D(files.Load(head, diagonal)); },
-                            [&] { files.ReadAndFill(head, *result); }},
-                           options.seconds * 6);
-            frame::GlobalFree3D(result);
-            const double scale = 1e9 / (3.0 * static_cast<double>(head.voxels.size()));
-            PrintRow(name, seconds[0] * scale, 0, seconds[1] * scale);
-        }
+    for (const LoadRow& row : bench::LoadRows()) {
+        if (!options.Wants(row.name)) continue;
+        const ChannelFiles files(head, row.is8bit);
+        ::Volume3D* result = Load(files, head, row);
+        const std::vector<double> seconds = TimeInTurn({[&] { frame::GlobalFree3D(Load(files, head, row)); },
+                                                        [&] { ReadAndFill(files, head, row, *result); }},
+                                                       options.seconds * 6);
+        frame::GlobalFree3D(result);
+        const double scale = 1e9 / (3.0 * static_cast<double>(head.voxels.size()));
+        PrintRow(row.name, seconds[0] * scale, 0, seconds[1] * scale);
     }
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    const Options options = bench::ReadOptions(argc, argv, 0.5);
+    const Options options = bench::ReadOptions(argc, argv, kUsage);
     const reference::Volume head = bench::LoadHead(options.head);
     std::printf("%-44s %8s %8s %7s %8s %7s\n", "ns per sample", "product", "plain", "ratio", "floor",
                 "ratio");
