@@ -3,7 +3,6 @@
 #include "platform/Refusal.h"
 
 #include <cstdint>
-#include <cstdlib>
 
 namespace z3d::platform {
 
@@ -11,7 +10,7 @@ void* HeapAllocate(std::size_t bytes) {
     if (IsRefused(Resource::Heap)) return nullptr;
     // No block is larger; not every allocator takes being asked for one well.
     if (bytes > PTRDIFF_MAX) return nullptr;
-    void* memory = std::malloc(bytes == 0 ? 1 : bytes);
+    void* memory = AllocateFromHeap(bytes == 0 ? 1 : bytes);
     if (memory != nullptr) NoteGranted(Resource::Heap);
     return memory;
 }
@@ -19,7 +18,7 @@ void* HeapAllocate(std::size_t bytes) {
 void HeapFree(void* memory) {
     if (memory == nullptr) return;
     NoteReleased(Resource::Heap);
-    std::free(memory);
+    FreeToHeap(memory);
 }
 
 } // namespace z3d::platform

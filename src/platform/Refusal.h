@@ -1,6 +1,9 @@
-// Where tests may refuse what the platform would have granted. The shipped build has no hook: every call
-// below is an empty inline function.
+// Where tests may refuse what the platform would have granted, and put heap memory where they like. The shipped build
+// has no hook: every call below is an inline function, empty but for the ordinary heap.
 #pragma once
+
+#include <cstddef>
+#include <cstdlib>
 
 namespace z3d::platform {
 
@@ -11,10 +14,14 @@ enum class Resource { Heap, Block, BlockLock, FileOpen, FileRead };
 bool IsRefused(Resource resource);
 void NoteGranted(Resource resource);
 void NoteReleased(Resource resource);
+void* AllocateFromHeap(std::size_t bytes);
+void FreeToHeap(void* memory);
 #else
 inline bool IsRefused(Resource) { return false; }
 inline void NoteGranted(Resource) {}
 inline void NoteReleased(Resource) {}
+inline void* AllocateFromHeap(std::size_t bytes) { return std::malloc(bytes); }
+inline void FreeToHeap(void* memory) { std::free(memory); }
 #endif
 
 } // namespace z3d::platform

@@ -5,22 +5,28 @@
 
 namespace z3d::render {
 
-struct ProjectionJob;
+struct Projection;
 
-// Renders one projection into the job's pixels. Cannot fail.
-using Kernel = void(const ProjectionJob& job);
+// Renders one projection into its pixels. Cannot fail.
+using Kernel = void(const Projection& projection);
 
 struct ModeKernels {
     Kernel* grey;
     Kernel* colour;
 };
 
-constexpr std::int32_t kModeCount = 7;
-constexpr std::int32_t kSurfaceMode = 3;
-
 struct KernelTable {
-    ModeKernels modes[kModeCount];
-    ModeKernels layeredSurface; // mode 3 with an attenuation
+    ModeKernels maximum;
+    ModeKernels minimum;
+    ModeKernels sum;
+    ModeKernels firstSurface;
+    ModeKernels layeredSurface;
+    ModeKernels blend;
+    ModeKernels contrast;
+    ModeKernels firstHit;
 };
+
+// Null for an unknown mode. `extra` chooses between the two kinds of surface.
+const ModeKernels* KernelsOfMode(const KernelTable& table, std::int32_t mode, float extra);
 
 } // namespace z3d::render

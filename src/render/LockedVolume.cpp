@@ -6,26 +6,25 @@
 #include <utility>
 
 namespace z3d::render {
-namespace {
 
-bool HasUniformSlices(const ::Volume3D& volume) {
-    if (volume.width == 0 || volume.height == 0 || volume.depth == 0) return false;
-    if (volume.slices == nullptr || volume.slices[0] == nullptr) return false;
-    const ::Image2D* first = volume.slices[0];
-    for (std::size_t z = 0; z < volume.depth; ++z) {
-        const ::Image2D* slice = volume.slices[z];
-        if (slice == nullptr || slice->width != volume.width || slice->height != volume.height) return false;
-        if (slice->bytesPerPixel != first->bytesPerPixel) return false;
+bool LockedVolume::HasReadableSlices() const {
+    const std::uint64_t pixels = std::uint64_t{volume_.width} * volume_.height;
+    for (std::size_t z = 0; z < volume_.depth; ++z) {
+        const ::Image2D* slice = volume_.slices[z];
+        if (slice == nullptr || slice->width != volume_.width || slice->height != volume_.height)
+            return false;
+        if (slice->bytesPerPixel < (isColour_ ? 3u : 1u)) return false;
+        // A byte count that wrapped at 32 bits left the rows outside their block.
+        if (pixels * slice->bytesPerPixel > UINT32_MAX) return false;
     }
-    // A byte count that wrapped at 32 bits left the rows outside their block.
-    const std::uint64_t pixels = std::uint64_t{volume.width} * volume.height;
-    return pixels * first->bytesPerPixel <= UINT32_MAX;
+    return true;
 }
 
-} // namespace
-
 LockedVolume::LockedVolume(::Volume3D& volume) : volume_(volume) {
-    if (!HasUniformSlices(volume)) return;
+    if (volume.width == 0 || volume.height == 0 || volume.depth == 0) return;
+    if (volume.slices == nullptr || volume.slices[0] == nullptr) return;
+    isColour_ = volume.slices[0]->bytesPerPixel == 3;
+    if (!HasReadableSlices()) return;
     std::uint8_t*** rows = frame::GlobalLock3D(&volume);
     if (rows == nullptr) return;
 

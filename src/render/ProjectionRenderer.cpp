@@ -1,7 +1,11 @@
 #include "render/ProjectionRenderer.h"
 
+#include "frame/Volume3D.h"
 #include "platform/Heap.h"
-#include "render/Modes.h"
+#include "render/InstructionSet.h"
+#include "render/LockedVolume.h"
+#include "render/Projection.h"
+#include "render/ProjectionImage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +14,13 @@
 namespace z3d::render {
 namespace {
 
-// Depth indexes are kept in floats before they are truncated to 32 bits: the largest float below 2^31.
-constexpr double kLargestSize = 2147483520.0;
+// Sizes are one more than the integer part of an extent, in 32 bits.
+constexpr double kLargestExtent = 2147483647.0;
+
+// A viewing direction longer than this asks for more than a thousand samples per voxel, which could take hours: it is
+// no rotation, nor one with scaled axes, but most likely doubles that were passed as floats. It also keeps depth indexes
+// far within 32 bits.
+constexpr double kLongestStep = 1024;
 
 struct BoundingBox {
     double low[3] = {std::numeric_limits<double>::max(), std::numeric_limits<double>::max(),
@@ -86,7 +95,7 @@ void ProjectionRenderer::SizeOutput() {
     bool valid = std::all_of(rotation, rotation + 9, [](float element) { return std::isfinite(element); });
     for (int axis = 0; axis < 3; ++axis) {
         const double extent = box.high[axis] - box.low[axis];
-        valid = valid && extent < kLargestSize;
+        valid = valid && extent < kLargestExtent;
         size[axis] = valid ? static_cast<std::int32_t>(extent) + 1 : 0;
     }
     if (!valid) std::fill_n(size, 3, 0);
@@ -130,12 +139,37 @@ void ProjectionRenderer::StoreSize(std::uint16_t* width, std::uint16_t* height) 
     if (height != nullptr) *height = static_cast<std::uint16_t>(outputHeight);
 }
 
+bool ProjectionRenderer::HasRenderableDepth() const {
+    const double x = ViewAxis(0);
+    const double y = ViewAxis(1);
+    const double z = ViewAxis(2);
+    return x * x + y * y + z * z <= kLongestStep * kLongestStep;
+}
+
 float* ProjectionRenderer::Render(std::int32_t mode, const RenderArguments& arguments, std::uint16_t* width,
                                   std::uint16_t* height) {
     StoreSize(width, height);
-    if (!HasValidSize() || width == nullptr || height == nullptr) return nullptr;
-    Kernel* kernel = KernelOf(mode, *volume, arguments.extra);
-    return kernel == nullptr ? nullptr : RenderWithKernel(kernel, *this, arguments);
+    const ModeKernels* kernels = KernelsOfMode(CurrentKernels(), mode, arguments.extra);
+    if (kernels == nullptr) return nullptr;
+    if (HasValidSize() && HasRenderableDepth() && width != nullptr && height != nullptr)
+        return RenderWith(*kernels, arguments);
+    frame::GlobalUnlock3D(volume);
+    return nullptr;
+}
+
+float* ProjectionRenderer::RenderWith(const ModeKernels& kernels, const RenderArguments& arguments) const {
+    const LockedVolume locked(*volume);
+    if (!locked) return nullptr;
+    ProjectionImage image(outputWidth, outputHeight);
+    if (!image) return nullptr;
+
+    const Projection projection = {.view = *this,
+                                   .grid = {locked.Slices(), volumeWidth, volumeHeight, volumeDepth},
+                                   .arguments = arguments,
+                                   .pixels = image.Pixels(),
+                                   .skipPolicy = CurrentSkipPolicy()};
+    (locked.IsColour() ? kernels.colour : kernels.grey)(projection);
+    return image.Release();
 }
 
 } // namespace z3d::render

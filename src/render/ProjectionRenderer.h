@@ -8,10 +8,14 @@
 
 #include "Zentra3DRendering.h"
 
+#include "render/voxels/Inline.h"
+
 #include <cstddef>
 #include <cstdint>
 
 namespace z3d::render {
+
+struct ModeKernels;
 
 // Crop bounds in voxels, 0-based and inclusive.
 struct CropBox {
@@ -41,7 +45,8 @@ public:
     // The sizes are then 0, and nothing may be rendered.
     bool HasValidSize() const { return outputWidth > 0; }
 
-    // Stores the size (low 16 bits), then renders one mode: the locked pixels, or null.
+    // Stores the size (low 16 bits), then renders one mode: the locked pixels, or null. A mode that exists leaves the
+    // volume unlocked in every case, whoever had locked it.
     float* Render(std::int32_t mode, const RenderArguments& arguments, std::uint16_t* width,
                   std::uint16_t* height);
 
@@ -54,14 +59,24 @@ public:
     float rotation2[9];        // a copy
     float volumeCentre[3];     // x, y, z; also the half extents of the volume
     float outputHalfSize[3];   // of width, height and depth
-    float cropLow[3];          // centred volume space, in the order z, y, x
+    float cropLow[3];          // centred volume space, in the order z, y, x: see CropLow
     float cropHigh[3];
     ::Volume3D* volume;
     std::int32_t reserved;
     std::int32_t volumeWidth, volumeHeight, volumeDepth;
     std::int32_t outputWidth, outputHeight, outputDepth;
 
+    // What kernels read. Axes are 0, 1, 2 for x, y, z.
+    Z3D_INLINE float CropLow(int axis) const { return cropLow[2 - axis]; }
+    Z3D_INLINE float CropHigh(int axis) const { return cropHigh[2 - axis]; }
+    // Element of the map from view space to centred volume space; column 2 is the step of a ray.
+    Z3D_INLINE float Inverse(int axis, int column) const { return inverseRotation2[3 * axis + column]; }
+    // The viewing direction in volume axes.
+    Z3D_INLINE float ViewAxis(int axis) const { return rotation2[6 + axis]; }
+
 private:
+    bool HasRenderableDepth() const;
+    float* RenderWith(const ModeKernels& kernels, const RenderArguments& arguments) const;
     void LoadRotation(const float* source);
     void SizeOutput();
     void LoadCrop(const CropBox& crop);

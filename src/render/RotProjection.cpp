@@ -1,7 +1,7 @@
 #include "render/RotProjection.h"
 
 #include "frame/Volume3D.h"
-#include "render/Modes.h"
+#include "render/InstructionSet.h"
 
 namespace z3d::render {
 namespace {
@@ -22,18 +22,16 @@ void StoreNoSize(std::uint16_t* width, std::uint16_t* height) {
 float* GetRotProjection(::Volume3D* volume, const float* rotation, std::int16_t mode, const CropBox& crop,
                         const RenderArguments& arguments, std::uint16_t* width, std::uint16_t* height,
                         std::int32_t reserved) {
-    float* pixels = nullptr;
     ProjectionRenderer* renderer = MakeRenderer(volume, rotation, crop, reserved);
     if (renderer == nullptr) {
         StoreNoSize(width, height);
-    } else {
-        pixels = renderer->Render(mode, arguments, width, height);
-        delete renderer;
+        // A mode that exists leaves the volume unlocked, whatever fails.
+        const bool isMode = KernelsOfMode(CurrentKernels(), mode, arguments.extra) != nullptr;
+        if (isMode && volume != nullptr) frame::GlobalUnlock3D(volume);
+        return nullptr;
     }
-    // Kernels unlock what they locked; a failure before the kernel must not leave the volume otherwise.
-    if (pixels == nullptr && volume != nullptr && KernelOf(mode, *volume, arguments.extra) != nullptr) {
-        frame::GlobalUnlock3D(volume);
-    }
+    float* pixels = renderer->Render(mode, arguments, width, height);
+    delete renderer;
     return pixels;
 }
 

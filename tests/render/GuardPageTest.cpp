@@ -2,11 +2,10 @@
 // pixels and all scratch lie directly before or behind pages that cannot be accessed.
 #include "render/InstructionSet.h"
 #include "render/KernelDifferential.h"
-#include "render/Modes.h"
-#include "render/ProjectionJob.h"
-#include "render/ProjectionRenderer.h"
+#include "render/Projection.h"
 #include "support/AlwaysSkipping.h"
 #include "support/GuardedBytes.h"
+#include "support/GuardedHeap.h"
 #include "support/ProductRenderer.h"
 #include "support/SameBits.h"
 
@@ -37,47 +36,29 @@ private:
     GuardedBytes addresses_;
 };
 
-struct GuardedRun {
-    render::Kernel* kernel;
-    const std::uint8_t* const* slices;
-    GuardedEnd end;
-};
-GuardedRun run;
-
-// A kernel that hands the product's kernel the same job in guarded memory.
-void RunGuarded(const render::ProjectionJob& job) {
-    const render::RayGeometry& geometry = job.geometry;
-    const std::size_t pixelBytes = std::size_t{12} * static_cast<std::size_t>(geometry.outputWidth)
-                                   * static_cast<std::size_t>(geometry.outputHeight);
-    const GuardedBytes pixels(pixelBytes, run.end);
-    const GuardedBytes rowScratch(4 * render::RowScratchInts(geometry.outputWidth), run.end);
-    const GuardedBytes stripScratch(render::StripScratchBytes(geometry.outputWidth), run.end);
-    const GuardedBytes skipMemory(render::SkipTableBytes(job.grid), run.end);
-
-    render::ProjectionJob guarded = job;
-    guarded.grid.slices = run.slices;
-    guarded.pixels = pixels.As<float>();
-    guarded.rowScratch = rowScratch.As<std::int32_t>();
-    guarded.stripScratch = stripScratch.As<std::uint8_t>();
-    guarded.skipMemory = skipMemory.As<std::uint8_t>();
-    run.kernel(guarded);
-    std::memcpy(job.pixels, guarded.pixels, pixelBytes);
-}
-
 class GuardPages : public KernelDifferential {
 protected:
+    // Slices, their table, pixels and scratch in guarded memory.
     static reference::Projection RenderGuarded(const HostVolume& host, const GuardedSlices& slices,
                                                GuardedEnd end, const reference::Request& request) {
         const render::CropBox crop = {request.x0 - 1, request.x1 - 1, request.y0 - 1,
                                       request.y1 - 1, request.z0 - 1, request.z1 - 1};
-        const render::ProjectionRenderer renderer(host.Get(), request.rotation.data(), crop, 0);
-        run = {render::KernelOf(request.mode, *host.Get(), GetParam().extra), slices.Get(), end};
-        float* pixels =
-            render::RenderWithKernel(RunGuarded, renderer, {request.high, request.low, GetParam().extra});
-        reference::Projection projection = {renderer.outputWidth, renderer.outputHeight, 0, true, {}};
-        projection.pixels.assign(pixels, pixels + 3 * renderer.outputWidth * renderer.outputHeight);
-        FreeProjection(pixels);
-        return projection;
+        const render::ProjectionRenderer view(host.Get(), request.rotation.data(), crop, 0);
+        const auto floats = static_cast<std::size_t>(3 * view.outputWidth * view.outputHeight);
+        const GuardedBytes pixels(floats * sizeof(float), end);
+        const float extra = GetParam().extra;
+        const render::Projection projection = {
+            view,
+            {slices.Get(), view.volumeWidth, view.volumeHeight, view.volumeDepth},
+            {request.high, request.low, extra},
+            pixels.As<float>(),
+            render::CurrentSkipPolicy()};
+        const render::ModeKernels* kernels =
+            render::KernelsOfMode(render::CurrentKernels(), request.mode, extra);
+        const GuardedHeap heap(end);
+        (BytesPerVoxel() == 3 ? kernels->colour : kernels->grey)(projection);
+        return {view.outputWidth, view.outputHeight, 0, true,
+                std::vector<float>(pixels.As<float>(), pixels.As<float>() + floats)};
     }
 
     static std::vector<reference::Request> Views(const reference::Volume& volume, RandomSource& random) {

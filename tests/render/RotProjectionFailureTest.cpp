@@ -4,7 +4,6 @@
 #include "frame/Image2D.h"
 #include "frame/Volume3D.h"
 #include "platform/GlobalMemory.h"
-#include "render/Modes.h"
 #include "support/HostVolume.h"
 #include "support/ProductRenderer.h"
 #include "support/Refusals.h"

@@ -1,0 +1,74 @@
+// What a table of bounds says about the stretches ahead of sixteen rays.
+#pragma once
+
+#include "render/StretchIndexes.h"
+#include "render/kernels/vector/Vector.h"
+#include "render/tables/BoundTable.h"
+
+namespace z3d::render::Z3D_ISA {
+
+class BoundLookup {
+public:
+    // The table may be made later, but before the first look-up.
+    explicit BoundLookup(const BoundTable& table) : table_(table) {
+        const BlockExtent& extent = table.Extent();
+        const std::int32_t blocks[3] = {extent.blocksX, extent.blocksY, extent.blocksZ};
+        for (int axis = 0; axis < 3; ++axis) {
+            // The largest float below: its position within its block is never sure.
+            last_[axis] = AllFloats(__builtin_nextafterf(static_cast<float>(blocks[axis]), 0));
+        }
+        half_ = AllFloats(0.5f);
+        firstBlock_ = AllFloats(1.245f); // (0 + 2.49) / 2
+        largestOffCentre_ = AllFloats(static_cast<float>(table.LargestOffCentre()));
+        factors_ = FactorsFor(static_cast<std::uint32_t>(extent.boundsStride));
+    }
+
+    // The bounds of sixteen stretches by the positions of their first samples. 255 where a position lies too close to
+    // a face between blocks, or too far outside the volume, to be sure of its block.
+    [[gnu::noinline]] Bytes BoundsAt(const Positions& positions) const {
+        // Find the block of each position.
+        alignas(64) std::uint32_t layer[kRays];
+        alignas(64) std::uint32_t cell[kRays];
+        alignas(64) Ints isSure[kRays / kFloatLanes];
+        for (int part = 0; part < kRays / kFloatLanes; ++part) {
+            const int lane = part * kFloatLanes;
+            Floats offCentre = {};
+            const Ints x = Block(LoadFloats(positions.axis[0] + lane), 0, offCentre);
+            const Ints y = Block(LoadFloats(positions.axis[1] + lane), 1, offCentre);
+            const Ints z = Block(LoadFloats(positions.axis[2] + lane), 2, offCentre);
+            Store(cell + lane, RowTimesWidth(y, x, factors_));
+            Store(layer + lane, reinterpret_cast<Uints>(z));
+            isSure[part] = offCentre < largestOffCentre_;
+        }
+
+        // Look its bound up.
+        const std::uint8_t* bounds = table_.Bounds();
+        const std::size_t layerBytes = table_.Extent().boundsLayer;
+        alignas(16) std::uint8_t bound[kRays];
+        for (int ray = 0; ray < kRays; ++ray)
+            bound[ray] = bounds[layer[ray] * layerBytes + cell[ray]];
+        const auto* sure = reinterpret_cast<const __m128i*>(isSure);
+        const __m128i low = _mm_packs_epi32(sure[0], sure[1]);
+        const __m128i high = _mm_packs_epi32(sure[2], sure[3]);
+        return LoadBytes(bound) | ~NarrowMask({low, high});
+    }
+
+private:
+    // The block coordinate, and how far from the middle of a block the position lies; in blocks.
+    Z3D_INLINE Ints Block(Floats position, int axis, Floats& offCentre) const {
+        const Floats at = Min(Max(position * half_ + firstBlock_, Floats{}), last_[axis]);
+        const Ints block = Truncate(at);
+        const Floats off = at - ToFloats(block) - half_;
+        offCentre = Max(offCentre, Max(off, -off));
+        return block;
+    }
+
+    const BoundTable& table_;
+    Floats last_[3];
+    Floats half_;
+    Floats firstBlock_;
+    Floats largestOffCentre_;
+    Ints factors_;
+};
+
+} // namespace z3d::render::Z3D_ISA

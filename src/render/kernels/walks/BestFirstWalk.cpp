@@ -1,0 +1,183 @@
+#include "render/kernels/walks/BestFirstWalk.h"
+
+namespace z3d::render::Z3D_ISA {
+namespace {
+
+constexpr std::int64_t kTrial = 4096; // stretches after which the walk may be given up
+
+constexpr std::int32_t Fewer(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
+
+// The rays with a stretch ahead that can change them.
+Z3D_INLINE Bytes Wants(Bytes bound, const GreyExtreme::State& state) {
+    return AreAbove(bound, ReachedBound(state.largest[0], state.isFound));
+}
+
+std::uint8_t SamplesOf(const Packet& packet, int ray, std::int32_t done, int stretch) {
+    return static_cast<std::uint8_t>(Fewer(packet.count[ray] - done - stretch * kSamples, kSamples));
+}
+
+} // namespace
+
+BestFirstWalk::BestFirstWalk(const Projection& projection, const Rule& rule, const GreyExtreme& mode)
+    : projection_(projection),
+      rule_(rule),
+      mode_(mode),
+      rays_(projection.view, rule.shape),
+      stepper_(projection, rule.shape),
+      table_(projection, rule.subject),
+      bounds_(table_) {}
+
+std::int32_t BestFirstWalk::Render() {
+    for (std::int32_t band = 0; band < rays_.Bottom(); band += kTileSide) {
+        const bool isOptional = projection_.skipPolicy == SkipPolicy::WhereItPays;
+        if (isOptional && asked_ >= kTrial && looked_ * 2 > asked_) return band;
+        const std::int32_t rows = Fewer(kTileSide, rays_.Bottom() - band);
+        rays_.StartBand(band, rows);
+        for (std::int32_t left = 0; left < rays_.Right(); left += kSpan)
+            RenderSpan(band, rows, left, Fewer(kSpan, rays_.Right() - left));
+    }
+    return rays_.Bottom();
+}
+
+void BestFirstWalk::RenderSpan(std::int32_t band, std::int32_t rows, std::int32_t left,
+                               std::int32_t columns) {
+    top_ = band;
+    left_ = left;
+    __builtin_memset(rank_, 0, sizeof rank_);
+    __builtin_memset(isFound_, 0, sizeof isFound_);
+    for (std::int32_t tile = 0; tile < columns; tile += kTileSide) {
+        const std::int32_t tileColumns = Fewer(kTileSide, columns - tile);
+        if (!rays_.Trim(left + tile, tileColumns)) continue;
+        for (std::int32_t row = 0; row < rows; row += kPacketSide) {
+            for (std::int32_t column = 0; column < tileColumns; column += kPacketSide) {
+                Packet packet;
+                rays_.Gather(row, column, packet);
+                if (packet.longest > 0) LookAtPacket(packet, row, tile + column);
+            }
+        }
+    }
+    LookAtQueue();
+    FinishSpan(rows, columns);
+}
+
+void BestFirstWalk::LookAtPacket(const Packet& packet, std::int32_t row, std::int32_t column) {
+    GreyExtreme::State state{};
+    Positions positions;
+    rays_.PlaceStarts(packet, top_ + row, left_ + column, positions);
+    for (std::int32_t done = 0; done < packet.longest; done += kChunk * kSamples) {
+        const int stretches = FindBounds(packet, done, positions);
+        LookAtBest(packet, done, stretches, state);
+        for (int stretch = 0; stretch < stretches; ++stretch)
+            Enqueue(packet, row, column, done, stretch, Wants(bound_[stretch], state));
+    }
+    for (int ray = 0; ray < kRays; ++ray) {
+        if (packet.count[ray] > 0) Merge(row + ray / kPacketSide, column + ray % kPacketSide, state, ray);
+    }
+}
+
+// Marches through the next stretches, up to a chunk: where each starts, and the bound of each ray there; 0 for a ray
+// that has ended.
+int BestFirstWalk::FindBounds(const Packet& packet, std::int32_t done, Positions& positions) {
+    int stretches = 0;
+    for (; stretches < kChunk && done < packet.longest; ++stretches, done += kSamples) {
+        const Bytes remaining = RemainingOf(packet, done);
+        starts_[stretches] = positions;
+        bound_[stretches] = bounds_.BoundsAt(positions) & ~AreEqual(remaining, Bytes{});
+        stepper_.SkipStretch(positions);
+        asked_ += kRays;
+    }
+    return stretches;
+}
+
+// Each ray looks at its stretch of the largest bound.
+void BestFirstWalk::LookAtBest(const Packet& packet, std::int32_t done, int stretches,
+                               GreyExtreme::State& state) {
+    // Find these stretches.
+    Bytes largest = {};
+    Bytes best = {};
+    for (int stretch = 0; stretch < stretches; ++stretch) {
+        const Bytes isLarger = AreAbove(bound_[stretch], largest);
+        best = (best & ~isLarger) | (AllBytes(static_cast<std::uint8_t>(stretch)) & isLarger);
+        largest = Larger(largest, bound_[stretch]);
+    }
+    const Bytes wanted = Wants(largest, state);
+    if (!AnySet(wanted)) return;
+
+    // Look at them together.
+    Positions positions;
+    Bytes samples = {};
+    for (int ray = 0; ray < kRays; ++ray) {
+        const int stretch = best[ray];
+        for (int axis = 0; axis < 3; ++axis)
+            positions.axis[axis][ray] = starts_[stretch].axis[axis][ray];
+        if (!wanted[ray]) continue;
+        samples[ray] = SamplesOf(packet, ray, done, stretch);
+        bound_[stretch][ray] = 0;
+    }
+    LookAt(positions, samples, state);
+}
+
+// One stretch of each ray.
+void BestFirstWalk::LookAt(Positions& positions, Bytes samples, GreyExtreme::State& state) {
+    looked_ += kRays;
+    stepper_.NextStretch(positions, kSamples, indexes_, false);
+    alignas(64) Stretch<1> stretch;
+    Fetch(projection_.grid, indexes_, kSamples, stretch);
+    for (int sample = 0; sample < kSamples; ++sample) {
+        const GreyVoxels& voxels = stretch.sample[sample];
+        const Bytes accepted = mode_.window.Accepts(voxels) & AreAboveNumber(samples, sample);
+        mode_.Sample(voxels, {&indexes_, sample}, accepted, state);
+    }
+}
+
+void BestFirstWalk::Enqueue(const Packet& packet, std::int32_t row, std::int32_t column, std::int32_t done,
+                            int stretch, Bytes wanted) {
+    for (unsigned rays = BitsOf(wanted); rays != 0; rays &= rays - 1) {
+        const int ray = __builtin_ctz(rays);
+        const int slot = queue_.size++;
+        for (int axis = 0; axis < 3; ++axis)
+            queue_.positions.axis[axis][slot] = starts_[stretch].axis[axis][ray];
+        queue_.row[slot] = row + ray / kPacketSide;
+        queue_.column[slot] = column + ray % kPacketSide;
+        queue_.samples[slot] = SamplesOf(packet, ray, done, stretch);
+        if (queue_.size == kRays) LookAtQueue();
+    }
+}
+
+void BestFirstWalk::LookAtQueue() {
+    if (queue_.size == 0) return;
+    // What slots are left over repeat the first one, without samples.
+    for (int slot = queue_.size; slot < kRays; ++slot) {
+        for (auto& axis : queue_.positions.axis)
+            axis[slot] = axis[0];
+        queue_.samples[slot] = 0;
+    }
+    GreyExtreme::State state{};
+    LookAt(queue_.positions, LoadBytes(queue_.samples), state);
+    for (int slot = 0; slot < queue_.size; ++slot)
+        Merge(queue_.row[slot], queue_.column[slot], state, slot);
+    queue_.size = 0;
+}
+
+void BestFirstWalk::Merge(std::int32_t row, std::int32_t column, const GreyExtreme::State& state, int ray) {
+    std::uint8_t& rank = rank_[row][column];
+    const std::uint8_t other = state.largest[0][ray];
+    isFound_[row][column] |= state.isFound[ray];
+    if (other > rank) rank = other;
+}
+
+void BestFirstWalk::FinishSpan(std::int32_t rows, std::int32_t columns) const {
+    for (std::int32_t row = 0; row < rows; ++row) {
+        for (std::int32_t column = 0; column < columns; column += kRays) {
+            const GreyExtreme::State state = {{LoadBytes(rank_[row] + column)},
+                                              LoadBytes(isFound_[row] + column)};
+            float* to = projection_.PixelAt(top_ + row, left_ + column);
+            const auto pixels = static_cast<std::size_t>(Fewer(columns - column, kRays));
+            float finished[3 * kRays];
+            StorePixels(mode_.Finish(state), {pixels == kRays ? to : finished, kQuadsInARow});
+            if (pixels < kRays) __builtin_memcpy(to, finished, pixels * 3 * sizeof(float));
+        }
+    }
+}
+
+} // namespace z3d::render::Z3D_ISA

@@ -1,0 +1,167 @@
+#include "render/kernels/walks/PacketWalk.h"
+
+namespace z3d::render::Z3D_ISA {
+namespace {
+
+constexpr std::int64_t kTrial = 256; // stretches after which skipping may be given up
+constexpr std::int32_t kProbedRows = 5;
+constexpr std::int32_t kProbedPackets = 4; // one of so many in a row
+
+// A sample of a packet takes as long as the table for so many voxels.
+constexpr double kVoxelsPerSample = 64;
+
+constexpr std::int32_t PacketsIn(std::int32_t pixels) { return (pixels + kPacketSide - 1) / kPacketSide; }
+
+constexpr std::int32_t Fewer(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
+
+} // namespace
+
+PacketWalk::PacketWalk(const Projection& projection, const Rule& rule)
+    : projection_(projection),
+      rule_(rule),
+      rays_(projection.view, rule.shape),
+      stepper_(projection, rule.shape),
+      table_(projection, rule.subject),
+      bounds_(table_) {}
+
+void PacketWalk::Render(std::int32_t firstRow) {
+    for (std::int32_t band = firstRow; band < rays_.Bottom(); band += kTileSide) {
+        const std::int32_t rows = Fewer(kTileSide, rays_.Bottom() - band);
+        rays_.StartBand(band, rows);
+        for (std::int32_t tile = rule_.shape.border; tile < rays_.Right(); tile += kTileSide) {
+            RenderTile(band, rows, tile, Fewer(kTileSide, rays_.Right() - tile));
+            // Where most stretches have to be looked at anyway, asking first costs more than it saves.
+            if (IsOptional() && asked_ >= kTrial && looked_ * 4 > asked_ * 3) isSkipping_ = false;
+        }
+    }
+}
+
+void PacketWalk::RenderTile(std::int32_t band, std::int32_t rows, std::int32_t left, std::int32_t columns) {
+    if (!rays_.Trim(left, columns)) {
+        for (std::int32_t row = band; row < band + rows; ++row)
+            FillWithInitial(projection_, rule_, row, left, left + columns);
+        return;
+    }
+    for (std::int32_t row = 0; row < rows; row += kPacketSide) {
+        for (std::int32_t column = 0; column < columns; column += kPacketSide)
+            RenderPacket(band, row, left, column);
+    }
+}
+
+void PacketWalk::PrepareSkipping() {
+    if (!table_.IsPossible()) return;
+    if (IsOptional() && EstimateFruitless() * kVoxelsPerSample < table_.SampledVoxels()) return;
+    isSkipping_ = table_.Make();
+    for (int c = 0; c < 3; ++c)
+        states_.highest[c] = AllBytes(table_.Highest(c));
+}
+
+// Samples of packets that change no ray, in the whole image: found by rendering a few packets here and there.
+double PacketWalk::EstimateFruitless() {
+    const std::int32_t border = rule_.shape.border;
+    const std::int32_t packetRows = PacketsIn(rays_.Bottom() - border);
+    const std::int32_t packets = PacketsIn(rays_.Right() - border);
+    const std::int32_t probes = Fewer(packetRows / 8 + 1, kProbedRows);
+    std::int64_t probed = 0;
+    isProbing_ = true;
+    for (std::int32_t probe = 0; probe < probes; ++probe) {
+        const std::int32_t top = border + (2 * probe + 1) * packetRows / (2 * probes) * kPacketSide;
+        if (top >= rays_.Bottom()) break;
+        rays_.StartBand(top, kPacketSide);
+        for (std::int32_t packet = probe % kProbedPackets; packet < packets; packet += kProbedPackets) {
+            const std::int32_t left = border + packet * kPacketSide;
+            rays_.Trim(left, kPacketSide);
+            RenderPacket(top, 0, left, 0);
+            ++probed;
+        }
+    }
+    isProbing_ = false;
+    if (probed == 0) return 0;
+    return static_cast<double>(fruitless_) * packetRows * packets / static_cast<double>(probed);
+}
+
+void PacketWalk::RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile, std::int32_t column) {
+    Packet packet;
+    rays_.Gather(row, column, packet);
+    states_.settled = Bytes{};
+    states_.wasAccepted = Bytes{};
+    __builtin_memset(states_.own, 0, static_cast<std::size_t>(rule_.stateBytes));
+    if (packet.longest > 0) FollowRays(packet, band + row, tile + column);
+    FinishPacket(band + row, tile + column);
+}
+
+void PacketWalk::FollowRays(const Packet& packet, std::int32_t top, std::int32_t left) {
+    Positions positions;
+    rays_.PlaceStarts(packet, top, left, positions);
+    wasFruitless_ = false;
+    int samples = rule_.looks.first;
+    for (std::int32_t done = 0; done < packet.longest; done += samples) {
+        // Pass over a stretch that changes nothing.
+        const Bytes remaining = RemainingOf(packet, done);
+        if (isSkipping_ && !IsWanted(positions, remaining)) {
+            states_.wasAccepted = Bytes{};
+            stepper_.SkipStretch(positions);
+            samples = kSamples;
+            continue;
+        }
+
+        // Look at the next samples.
+        samples = done == 0 ? rule_.looks.first : rule_.looks.later;
+        if (samples > packet.longest - done) samples = packet.longest - done;
+        if (isProbing_) {
+            Probe(positions, samples, remaining);
+        } else {
+            Look(positions, samples, remaining);
+        }
+
+        // A ray goes on while it has samples left after these and has not ended.
+        const Bytes more = AllBytes(static_cast<std::uint8_t>(samples < kSamples ? samples + 1 : kSamples));
+        const Bytes hasMore = AreEqual(Larger(remaining, more), remaining);
+        if (!AnySet(hasMore & ~AreEqual(states_.settled, AllBytes(255)))) return;
+    }
+}
+
+void PacketWalk::FinishPacket(std::int32_t top, std::int32_t left) {
+    const std::int32_t rows = rays_.Bottom() - top;
+    const std::int32_t columns = rays_.Right() - left;
+    if (rows >= kPacketSide && columns >= kPacketSide) {
+        const std::ptrdiff_t row = 3 * static_cast<std::ptrdiff_t>(projection_.view.outputWidth);
+        rule_.finish(rule_, states_.own, {projection_.PixelAt(top, left), row});
+        return;
+    }
+    // The packet reaches beyond the image: only a part of it is copied.
+    float pixels[kPacketSide][3 * kPacketSide];
+    rule_.finish(rule_, states_.own, {pixels[0], 3 * kPacketSide});
+    const auto floats = static_cast<std::size_t>(3 * Fewer(columns, kPacketSide));
+    for (std::int32_t row = 0; row < Fewer(rows, kPacketSide); ++row)
+        __builtin_memcpy(projection_.PixelAt(top + row, left), pixels[row], floats * sizeof(float));
+}
+
+// Counts the samples that changed no ray. A look by itself does not count: bounds reach beyond their stretch.
+void PacketWalk::Probe(Positions& positions, int samples, Bytes remaining) {
+    float before[3 * kRays];
+    float after[3 * kRays];
+    const Bytes acceptedBefore = states_.wasAccepted;
+    rule_.finish(rule_, states_.own, {before, kQuadsInARow});
+    Look(positions, samples, remaining);
+    rule_.finish(rule_, states_.own, {after, kQuadsInARow});
+    const bool isFruitless =
+        __builtin_memcmp(before, after, sizeof after) == 0 && !AnySet(acceptedBefore ^ states_.wasAccepted);
+    if (isFruitless && wasFruitless_) fruitless_ += samples;
+    wasFruitless_ = isFruitless;
+}
+
+void PacketWalk::Look(Positions& positions, int samples, Bytes remaining) {
+    stepper_.NextStretch(positions, samples, indexes_, rule_.keepsPositions);
+    rule_.lookAt(rule_, indexes_, samples, remaining, states_);
+}
+
+bool PacketWalk::IsWanted(const Positions& positions, Bytes remaining) {
+    const Bytes wanted = AreAbove(bounds_.BoundsAt(positions), states_.settled);
+    const bool isWanted = AnySet(wanted & ~AreEqual(remaining, Bytes{}));
+    ++asked_;
+    looked_ += isWanted;
+    return isWanted;
+}
+
+} // namespace z3d::render::Z3D_ISA

@@ -1,0 +1,48 @@
+// The walk for every view: 4 x 4 neighbouring rays at a time, up to 16 samples at a time. Stretches that cannot
+// change any ray of the packet are passed over.
+#pragma once
+
+#include "render/kernels/sampling/BoundLookup.h"
+#include "render/kernels/sampling/SampleStepper.h"
+#include "render/kernels/walks/Rule.h"
+
+namespace z3d::render::Z3D_ISA {
+
+class PacketWalk {
+public:
+    PacketWalk(const Projection& projection, const Rule& rule);
+
+    // Before Render: makes a table of bounds if it promises to save more than it costs.
+    void PrepareSkipping();
+
+    // From array row `firstRow` to the bottom of the image.
+    void Render(std::int32_t firstRow);
+
+private:
+    bool IsOptional() const { return projection_.skipPolicy == SkipPolicy::WhereItPays; }
+    double EstimateFruitless();
+    void RenderTile(std::int32_t band, std::int32_t rows, std::int32_t left, std::int32_t columns);
+    void RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile, std::int32_t column);
+    void FollowRays(const Packet& packet, std::int32_t top, std::int32_t left);
+    void FinishPacket(std::int32_t top, std::int32_t left);
+    void Probe(Positions& positions, int samples, Bytes remaining);
+    void Look(Positions& positions, int samples, Bytes remaining);
+    bool IsWanted(const Positions& positions, Bytes remaining);
+
+    const Projection& projection_;
+    const Rule& rule_;
+    PacketRays rays_;
+    const SampleStepper stepper_;
+    BoundTable table_;
+    const BoundLookup bounds_;
+    bool isSkipping_ = false;
+    bool isProbing_ = false;
+    bool wasFruitless_ = false;
+    std::int64_t fruitless_ = 0; // samples that changed no ray, while probing
+    std::int64_t asked_ = 0;     // stretches whose bounds were looked up
+    std::int64_t looked_ = 0;    // and those that had to be looked at all the same
+    Indexes indexes_;
+    RayStates states_;
+};
+
+} // namespace z3d::render::Z3D_ISA

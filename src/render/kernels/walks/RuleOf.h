@@ -1,0 +1,174 @@
+// Makes a rule from a mode. A mode is a small class that says, and has to say, all of this:
+//
+//   Format         Grey, Rgb, or its own: what a sample is, and where samples come from
+//   State          what sixteen rays carry from sample to sample; starts from zeroes
+//   kCounts        whether Sample is told of every accepted sample, or only where rays enter the window
+//   kEndsRays      whether Settled can become 255 (early ray termination)
+//   kReducesRows   whether whole rows of voxels may be handed to Sample, which then has no place
+//   shape, looks   how its rays run, and how its pixels begin
+//   window         the voxel values that can contribute at all
+//   Sample         what one sample does to the rays of the mask
+//   EndStretch     what is left to do after 16 samples
+//   Settled        the bounds up to which stretches ahead change nothing, by ray
+//   Finish         the pixels of the rays; the initial value for those without a contribution
+//
+// Each ray does what it would do by itself, in the same order, so results are the same to the last bit whatever the
+// packet and the instruction set. What is misspelt or left out does not compile.
+#pragma once
+
+#include "render/kernels/sampling/Formats.h"
+#include "render/kernels/walks/Rule.h"
+
+#include <concepts>
+
+namespace z3d::render::Z3D_ISA {
+
+enum class Counts { EverySample, Entries };
+
+template <class M>
+concept Mode = requires(const M& mode, const typename M::Format::Sample& sample, const SamplePlace& place,
+                        Bytes bytes, typename M::State& state, const Bytes (&highest)[3],
+                        RayPixels<M::Format::kChannels> pixels) {
+    { M::kCounts } -> std::same_as<const Counts&>;
+    { M::kEndsRays } -> std::same_as<const bool&>;
+    { M::kReducesRows } -> std::same_as<const bool&>;
+    { mode.shape } -> std::same_as<const RayShape&>;
+    { mode.looks } -> std::same_as<const Looks&>;
+    bytes = mode.window.Accepts(sample);
+    { mode.Sample(sample, place, bytes, state) } -> std::same_as<void>;
+    { mode.EndStretch(state) } -> std::same_as<void>;
+    bytes = mode.Settled(state, highest);
+    pixels = mode.Finish(state);
+};
+
+// For modes that keep nothing that has to be tidied up after a stretch.
+struct NothingPending {
+    template <class State>
+    Z3D_INLINE void EndStretch(State&) const {}
+};
+
+// The rays whose sample of this number exists.
+Z3D_INLINE Bytes AreAboveNumber(Bytes remaining, int sample) {
+    return ToBytes(_mm_cmpgt_epi8(Raw(remaining), _mm_set1_epi8(static_cast<char>(sample))));
+}
+
+template <Mode M>
+void LookAt(const Rule& rule, const Indexes& indexes, int samples, Bytes remaining, RayStates& states) {
+    const M& mode = *static_cast<const M*>(rule.mode);
+    auto& state = *reinterpret_cast<typename M::State*>(states.own);
+    // Local variables: vectors may alias anything else, and would be stored and loaded again at every sample.
+    const auto window = mode.window;
+    alignas(64) typename M::Format::Samples stretch;
+    Fetch(*static_cast<const typename M::Format::Source*>(rule.voxels), indexes, samples, stretch);
+    for (int sample = 0; sample < samples; ++sample) {
+        const typename M::Format::Sample& voxels = M::Format::SampleOf(stretch, sample);
+        Bytes accepted = window.Accepts(voxels) & AreAboveNumber(remaining, sample);
+        if constexpr (M::kCounts == Counts::Entries) {
+            const Bytes before = states.wasAccepted;
+            states.wasAccepted = accepted;
+            accepted &= ~before;
+        }
+        mode.Sample(voxels, {&indexes, sample}, accepted, state);
+    }
+    mode.EndStretch(state);
+    states.settled = mode.Settled(state, states.highest);
+}
+
+template <Mode M>
+void Finish(const Rule& rule, const std::byte* own, const PixelTarget& target) {
+    const M& mode = *static_cast<const M*>(rule.mode);
+    StorePixels(mode.Finish(*reinterpret_cast<const typename M::State*>(own)), target);
+}
+
+constexpr std::size_t kSmallState = 128;
+
+// Groups whose states are in registers together.
+template <Mode M>
+constexpr std::int32_t kGroupsTogether = sizeof(typename M::State) <= 32 ? 4 : 1;
+
+template <Mode M, bool kIsFull>
+Z3D_INLINE bool ReduceGroups(const Rule& rule, const std::uint8_t* const* voxels, int samples,
+                             const std::int32_t* bases, std::int32_t groups, std::byte* own) {
+    using Format = typename M::Format;
+    constexpr std::int32_t kTogether = kGroupsTogether<M>;
+    const Bytes highest[3] = {AllBytes(255), AllBytes(255), AllBytes(255)};
+    const M& mode = *static_cast<const M*>(rule.mode);
+    bool isLive = !M::kEndsRays;
+    for (std::int32_t group = 0; group < groups; group += kTogether) {
+        // Load the states, unless all of their rays have ended.
+        auto* kept = reinterpret_cast<typename M::State*>(own) + group;
+        typename M::State state[kTogether];
+        std::ptrdiff_t base[kTogether];
+        Bytes settled = AllBytes(255);
+#pragma GCC unroll 4
+        for (int part = 0; part < kTogether; ++part) {
+            state[part] = kept[part];
+            base[part] = static_cast<std::ptrdiff_t>(bases[group + part]) * Format::kBytes;
+            if constexpr (M::kEndsRays) settled &= mode.Settled(state[part], highest);
+        }
+        if constexpr (M::kEndsRays) {
+            if (!AnySet(~settled)) continue;
+            isLive = true;
+        }
+
+        // Reduce the samples.
+        for (int sample = 0; sample < samples; ++sample) {
+#pragma GCC unroll 4
+            for (int part = 0; part < kTogether; ++part) {
+                const auto sixteen = LoadVoxels<Format::kBytes>(voxels[sample] + base[part]);
+                const Bytes accepted = kIsFull ? AllBytes(255) : mode.window.Accepts(sixteen);
+                mode.Sample(sixteen, {nullptr, 0}, accepted, state[part]);
+            }
+        }
+
+        // Keep the states.
+#pragma GCC unroll 4
+        for (int part = 0; part < kTogether; ++part) {
+            mode.EndStretch(state[part]);
+            kept[part] = state[part];
+        }
+    }
+    return isLive;
+}
+
+template <Mode M>
+bool ReduceRows(const Rule& rule, const std::uint8_t* const* voxels, int samples, const std::int32_t* bases,
+                std::int32_t groups, std::byte* own) {
+    static_assert(M::kReducesRows && M::kCounts == Counts::EverySample);
+    // Worth its size where a sample costs little beside the window test.
+    if constexpr (sizeof(typename M::State) <= kSmallState) {
+        if (static_cast<const M*>(rule.mode)->window.IsFull())
+            return ReduceGroups<M, true>(rule, voxels, samples, bases, groups, own);
+    }
+    return ReduceGroups<M, false>(rule, voxels, samples, bases, groups, own);
+}
+
+template <Mode M>
+Z3D_INLINE Rule RuleOf(const M& mode, const typename M::Format::Source& voxels) {
+    static_assert(sizeof(typename M::State) <= kMostStateBytes);
+    Rule rule = {.mode = &mode,
+                 .voxels = &voxels,
+                 .shape = mode.shape,
+                 .looks = mode.looks,
+                 .isEmpty = mode.window.IsEmpty(),
+                 .keepsPositions = M::Format::kKeepsPositions,
+                 .subject = {.isColour = M::Format::kChannels == 3,
+                             .accepted = mode.window.Accepted(),
+                             .measure = mode.looks.measure,
+                             .backToFront = mode.shape.backToFront,
+                             .margin = mode.shape.margin},
+                 .voxelBytes = 0,
+                 .stateBytes = sizeof(typename M::State),
+                 .groupsTogether = 1,
+                 .lookAt = LookAt<M>,
+                 .reduceRows = nullptr,
+                 .finish = Finish<M>};
+    if constexpr (M::kReducesRows) {
+        rule.voxelBytes = M::Format::kBytes;
+        rule.groupsTogether = kGroupsTogether<M>;
+        rule.reduceRows = ReduceRows<M>;
+    }
+    return rule;
+}
+
+} // namespace z3d::render::Z3D_ISA

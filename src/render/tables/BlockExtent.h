@@ -1,0 +1,33 @@
+// How many blocks a volume has, and how their codes and bounds lie in memory.
+#pragma once
+
+#include "render/voxels/VoxelGrid.h"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace z3d::render {
+
+// Blocks of 2 voxels a side, with one border block all round. Codes are kept for the few layers of blocks that bounds
+// are just taken over; their rows have room for the 8 blocks that a stretch can reach to either side. Behind the last
+// row there is room for vectors that are too long.
+struct BlockExtent {
+    static constexpr std::int32_t kReach = 9;
+    static constexpr std::size_t kRowPadding = 64;
+    static constexpr std::int32_t kMostLayers = 12; // 9 that stretches touch, and 3 for the dilation
+
+    std::int32_t blocksX, blocksY, blocksZ;
+    std::int32_t layers;       // of codes
+    std::size_t stride, layer; // bytes from row to row, whole vectors, and from layer to layer, of codes
+    std::size_t boundsStride, boundsLayer; // the same of bounds
+
+    explicit BlockExtent(const VoxelGrid& grid);
+
+    std::size_t CodeBytes() const { return layer * static_cast<std::size_t>(layers); }
+
+    // Of codes and bounds together, about a sixth of the voxels. A size that cannot be had where it does not fit, or
+    // where padding makes the table of a thin volume larger than the volume twice.
+    std::size_t TableBytes(const VoxelGrid& grid) const;
+};
+
+} // namespace z3d::render
