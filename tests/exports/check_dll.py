@@ -8,12 +8,9 @@ Prints one line per complaint and fails when there is any.
 import re
 import sys
 
-from pe_file import PeFile
+from pefile import (DLL_CHARACTERISTICS, IMAGE_CHARACTERISTICS, MACHINE_TYPE, OPTIONAL_HEADER_MAGIC_PE, PE,
+                    RELOCATION_TYPE)
 
-I386 = 0x14C
-PE32 = 0x10B
-IS_DLL, RELOCATIONS_STRIPPED = 0x2000, 0x0001
-DYNAMIC_BASE, NX_COMPAT = 0x0040, 0x0100
 ALLOWED_IMPORTS = {"kernel32.dll", "user32.dll", "msvcrt.dll"}
 RUNTIME_TLS_CALLBACKS = 2  # those that the C run-time start-up of MinGW-w64 always brings along
 RUNTIME_TLS_BYTES = 8
@@ -26,74 +23,111 @@ def defined_names(definition):
     return re.findall(r"^ +(\w+)=\w+@\d+$", definition, re.MULTILINE)
 
 
+def export_names(pe):
+    """The names of the functions, None for one that has an ordinal only."""
+    table = getattr(pe, "DIRECTORY_ENTRY_EXPORT", None)
+    return [symbol.name and symbol.name.decode("ascii") for symbol in table.symbols] if table else []
+
+
 def check_exports(pe, definition):
-    wanted, found = set(defined_names(definition)), pe.export_names()
+    wanted, found = set(defined_names(definition)), export_names(pe)
     if not wanted:
         yield "the module definition has no names"
     for name in sorted(wanted - set(found)):
         yield f"export {name} is missing"
-    for name in sorted(set(found) - wanted):
+    for name in sorted(set(found) - wanted - {None}):
         yield f"export {name} is not in the module definition"
-    if pe.export_address_count() != len(found):
-        yield f"{pe.export_address_count()} functions are exported under {len(found)} names"
+    if None in found:
+        yield "a function is exported without a name"
 
 
 def check_imports(pe):
-    for dll in pe.imported_dlls():
+    for entry in getattr(pe, "DIRECTORY_ENTRY_IMPORT", []):
+        dll = entry.dll.decode("ascii")
         if dll.lower() not in ALLOWED_IMPORTS:
             yield f"{dll} is imported: every host would need it"
 
 
+def relocation_count(pe):
+    padding = RELOCATION_TYPE["IMAGE_REL_BASED_ABSOLUTE"]
+    return sum(entry.type != padding
+               for block in getattr(pe, "DIRECTORY_ENTRY_BASERELOC", []) for entry in block.entries)
+
+
 def check_headers(pe):
-    if pe.machine != I386 or pe.magic != PE32 or not pe.characteristics & IS_DLL:
+    flags, dll_flags = pe.FILE_HEADER.Characteristics, pe.OPTIONAL_HEADER.DllCharacteristics
+    if (pe.FILE_HEADER.Machine != MACHINE_TYPE["IMAGE_FILE_MACHINE_I386"]
+            or pe.OPTIONAL_HEADER.Magic != OPTIONAL_HEADER_MAGIC_PE
+            or not flags & IMAGE_CHARACTERISTICS["IMAGE_FILE_DLL"]):
         yield "not a 32-bit x86 DLL"
-    if not pe.dll_characteristics & DYNAMIC_BASE:
-        yield "DYNAMIC_BASE is not set"
-    if not pe.dll_characteristics & NX_COMPAT:
-        yield "NX_COMPAT is not set"
-    if pe.characteristics & RELOCATIONS_STRIPPED or pe.relocation_count() == 0:
+    for name in ("DYNAMIC_BASE", "NX_COMPAT"):
+        if not dll_flags & DLL_CHARACTERISTICS[f"IMAGE_DLLCHARACTERISTICS_{name}"]:
+            yield f"{name} is not set"
+    if flags & IMAGE_CHARACTERISTICS["IMAGE_FILE_RELOCS_STRIPPED"] or relocation_count(pe) == 0:
         yield "no relocations: the DLL cannot be loaded anywhere but at its base"
-    if pe.timestamp != 0:
-        yield f"the header holds a time of build ({pe.timestamp:#x}): two builds would differ"
+    if pe.FILE_HEADER.TimeDateStamp != 0:
+        yield f"the header holds a time of build ({pe.FILE_HEADER.TimeDateStamp:#x}): two builds would differ"
+
+
+def tls_callback_count(pe, tls):
+    count = 0
+    while tls.AddressOfCallBacks and pe.get_dword_at_rva(
+            tls.AddressOfCallBacks - pe.OPTIONAL_HEADER.ImageBase + 4 * count):
+        count += 1
+    return count
 
 
 def check_tls(pe):
-    tls = pe.tls()
-    if tls is not None and (tls[0] > RUNTIME_TLS_BYTES or tls[1] > RUNTIME_TLS_CALLBACKS):
-        yield f"thread-local storage of {tls[0]} bytes and {tls[1]} callbacks: something acts at load"
+    if not hasattr(pe, "DIRECTORY_ENTRY_TLS"):
+        return
+    tls = pe.DIRECTORY_ENTRY_TLS.struct
+    size = tls.EndAddressOfRawData - tls.StartAddressOfRawData + tls.SizeOfZeroFill
+    callbacks = tls_callback_count(pe, tls)
+    if size > RUNTIME_TLS_BYTES or callbacks > RUNTIME_TLS_CALLBACKS:
+        yield f"thread-local storage of {size} bytes and {callbacks} callbacks: something acts at load"
+
+
+def version_strings(pe):
+    return {key.decode(): value.decode()
+            for info in pe.FileInfo[0] if hasattr(info, "StringTable")
+            for table in info.StringTable for key, value in table.entries.items()}
 
 
 def check_version(pe, version):
     numbers = tuple(int(part) for part in version.split("."))
     expected = (numbers + (0, 0, 0, 0))[:4]
-    fixed = pe.fixed_versions()
-    if fixed is None:
+    if not hasattr(pe, "VS_FIXEDFILEINFO"):
         yield "no version resource"
         return
-    for kind, found in zip(("file", "product"), fixed):
+    fixed = pe.VS_FIXEDFILEINFO[0]
+    for kind, upper, lower in (("file", fixed.FileVersionMS, fixed.FileVersionLS),
+                               ("product", fixed.ProductVersionMS, fixed.ProductVersionLS)):
+        found = (upper >> 16, upper & 0xFFFF, lower >> 16, lower & 0xFFFF)
         if found != expected:
             yield f"{kind} version is {found}, expected {expected}"
+    strings = version_strings(pe)
     for key, value in (("FileVersion", version), ("ProductVersion", version),
                        ("OriginalFilename", "Zentra3DRendering.dll")):
-        if pe.version_string(key) != value:
-            yield f"version string {key} is {pe.version_string(key)!r}, expected {value!r}"
+        if strings.get(key) != value:
+            yield f"version string {key} is {strings.get(key)!r}, expected {value!r}"
 
 
-def check_runtime(pe):
+def check_runtime(data):
     for mark in CPP_RUNTIME_MARKS:
-        if mark in pe.data:
+        if mark in data:
             yield f"holds {mark.decode()!r}: part of the C++ run-time library was linked in"
 
 
-def check_size(pe, max_bytes):
-    if len(pe.data) >= max_bytes:
-        yield f"{len(pe.data)} bytes, to be below {max_bytes}"
+def check_size(data, max_bytes):
+    if len(data) >= max_bytes:
+        yield f"{len(data)} bytes, to be below {max_bytes}"
 
 
 def complaints(data, definition, version, max_bytes):
-    pe = PeFile(data)
+    data = bytes(data)
+    pe = PE(data=data)
     return [*check_exports(pe, definition), *check_imports(pe), *check_headers(pe), *check_tls(pe),
-            *check_version(pe, version), *check_runtime(pe), *check_size(pe, max_bytes)]
+            *check_version(pe, version), *check_runtime(data), *check_size(data, max_bytes)]
 
 
 def main():
@@ -105,7 +139,7 @@ def main():
     for complaint in found:
         print(f"{dll}: {complaint}")
     if not found:
-        print(f"{dll}: {len(data)} bytes, {len(PeFile(data).export_names())} exports, nothing to complain about")
+        print(f"{dll}: {len(data)} bytes, {len(export_names(PE(data=data)))} exports, nothing to complain about")
     return 1 if found else 0
 
 

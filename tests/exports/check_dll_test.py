@@ -4,20 +4,19 @@
 Usage: check_dll_test.py DLL DEFINITION VERSION
 """
 
-import struct
 import sys
 import unittest
 
-from check_dll import complaints
-from pe_file import EXPORT_TABLE, IMPORT_TABLE, RELOCATION_TABLE, RESOURCE_TABLE, TLS_TABLE, PeFile
+from check_dll import complaints, export_names
+from pefile import DIRECTORY_ENTRY, PE
 
 DLL, DEFINITION, VERSION = "", "", ""
 
 
 class CheckDll(unittest.TestCase):
     def setUp(self):
-        self.data = bytearray(DLL)
-        self.pe = PeFile(DLL)
+        self.pe = PE(data=DLL)
+        self.data = DLL
 
     def complaints(self, definition=None, version=None, max_bytes=1 << 30):
         return complaints(self.data, definition or DEFINITION, version or VERSION, max_bytes)
@@ -27,8 +26,10 @@ class CheckDll(unittest.TestCase):
         self.assertEqual(len(found), 1, found)
         self.assertIn(text, found[0])
 
-    def clear_directory(self, index):
-        struct.pack_into("<II", self.data, self.pe.optional + 96 + 8 * index, 0, 0)
+    def clear_directory(self, name):
+        directory = self.pe.OPTIONAL_HEADER.DATA_DIRECTORY[DIRECTORY_ENTRY[f"IMAGE_DIRECTORY_ENTRY_{name}"]]
+        directory.VirtualAddress = directory.Size = 0
+        self.data = self.pe.write()
 
     def test_the_built_dll_is_sound(self):
         self.assertEqual(self.complaints(), [])
@@ -37,63 +38,64 @@ class CheckDll(unittest.TestCase):
         self.expect_one("GetNothing is missing", definition=DEFINITION + "    GetNothing=GetNothing@4\n")
 
     def test_a_name_that_is_not_defined(self):
-        first = self.pe.export_names()[0]
+        first = export_names(self.pe)[0]
         rest = "\n".join(line for line in DEFINITION.splitlines() if f" {first}=" not in line)
         self.expect_one(f"{first} is not in", definition=rest)
 
     def test_a_decorated_name(self):
-        name = self.pe.export_names()[0].encode()
-        start = DLL.index(b"\0" + name + b"\0") + 1
-        self.data[start + len(name) - 1:start + len(name)] = b"@"
+        name = export_names(self.pe)[0].encode()
+        self.data = DLL.replace(b"\0" + name + b"\0", b"\0" + name[:-1] + b"@\0")
         self.assertEqual(len(self.complaints()), 2)
 
     def test_a_foreign_runtime(self):
-        entry = self.pe.offset_of(self.pe.directory(IMPORT_TABLE)[0])
-        name = self.pe.offset_of(struct.unpack_from("<I", DLL, entry + 12)[0])
-        self.data[name:name + 6] = b"libgcc"
+        entry = self.pe.DIRECTORY_ENTRY_IMPORT[0]
+        self.pe.set_bytes_at_rva(entry.struct.Name, b"libgcc")
+        self.data = self.pe.write()
         self.expect_one("is imported")
 
     def test_header_flags(self):
+        flags = self.pe.OPTIONAL_HEADER.DllCharacteristics
         for bit, name in ((0x40, "DYNAMIC_BASE"), (0x100, "NX_COMPAT")):
-            self.data = bytearray(DLL)
-            flags = self.pe.dll_characteristics & ~bit
-            struct.pack_into("<H", self.data, self.pe.optional + 70, flags)
+            self.pe.OPTIONAL_HEADER.DllCharacteristics = flags & ~bit
+            self.data = self.pe.write()
             self.expect_one(name)
 
     def test_no_relocations(self):
-        self.clear_directory(RELOCATION_TABLE)
+        self.clear_directory("BASERELOC")
         self.expect_one("no relocations")
 
     def test_a_time_of_build(self):
-        struct.pack_into("<I", self.data, self.pe.header + 8, 0x12345678)
+        self.pe.FILE_HEADER.TimeDateStamp = 0x12345678
+        self.data = self.pe.write()
         self.expect_one("0x12345678")
 
     def test_thread_local_data(self):
-        tls = self.pe.offset_of(self.pe.directory(TLS_TABLE)[0])
-        struct.pack_into("<I", self.data, tls + 16, 64)
+        self.pe.DIRECTORY_ENTRY_TLS.struct.SizeOfZeroFill = 64
+        self.data = self.pe.write()
         self.expect_one("thread-local")
 
     def test_no_version_resource(self):
-        self.clear_directory(RESOURCE_TABLE)
+        self.clear_directory("RESOURCE")
         self.expect_one("no version resource")
 
     def test_another_version(self):
         self.assertEqual(len(self.complaints(version="9.8.7")), 4)
 
     def test_the_cpp_run_time_library(self):
-        self.data += b"\0St9bad_alloc\0"
+        self.data = DLL + b"\0St9bad_alloc\0"
         self.expect_one("'bad_alloc'")
 
     def test_size(self):
         self.expect_one("to be below", max_bytes=len(DLL))
 
     def test_another_machine(self):
-        struct.pack_into("<H", self.data, self.pe.header + 4, 0x8664)
+        self.pe.FILE_HEADER.Machine = 0x8664
+        self.data = self.pe.write()
         self.expect_one("not a 32-bit")
 
     def test_no_exports_at_all(self):
-        self.clear_directory(EXPORT_TABLE)
-        self.assertEqual(len(self.complaints()), len(self.pe.export_names()))
+        self.clear_directory("EXPORT")
+        self.assertEqual(len(self.complaints()), len(export_names(self.pe)))
 
 
 if __name__ == "__main__":

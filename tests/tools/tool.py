@@ -1,5 +1,6 @@
 """Runs zentra.exe in a folder of its own and reads what it wrote. Programs come from the environment:
 ZENTRA_EXE, HOST_EXE, and RUN_WINE, the wrapper that runs them."""
+import io
 import os
 import pathlib
 import signal
@@ -8,7 +9,8 @@ import subprocess
 import tempfile
 import time
 import unittest
-import zlib
+
+import PIL.Image
 
 # Bits of the floats that mark a pixel without a contribution.
 NOTHING = 0xFF7FFFFF
@@ -90,44 +92,11 @@ def _text_of(file):
 
 def png(data):
     """Width, height and rows of pixels: a number each when grey, a tuple each in colour."""
-    assert data[:8] == b"\x89PNG\r\n\x1a\n", "not a PNG"
-    packed, at = b"", 8
-    while at < len(data):
-        length, kind = struct.unpack(">I4s", data[at:at + 8])
-        body = data[at + 8:at + 8 + length]
-        assert zlib.crc32(kind + body) == struct.unpack(">I", data[at + 8 + length:at + 12 + length])[0]
-        if kind == b"IHDR":
-            width, height, bits, colour = struct.unpack(">IIBB", body[:10])
-        if kind == b"IDAT":
-            packed += body
-        at += 12 + length
-    assert bits == 8 and colour in (0, 2)
-    channels = 3 if colour == 2 else 1
-    rows = _unfiltered(zlib.decompress(packed), width * channels, height, channels)
-    if channels == 3:
-        rows = [list(zip(row[0::3], row[1::3], row[2::3])) for row in rows]
-    return width, height, rows
-
-
-def _unfiltered(data, row_bytes, height, channels):
-    rows, above = [], [0] * row_bytes
-    for y in range(height):
-        start = y * (row_bytes + 1)
-        kind, row = data[start], list(data[start + 1:start + 1 + row_bytes])
-        for i in range(row_bytes):
-            left = row[i - channels] if i >= channels else 0
-            corner = above[i - channels] if i >= channels else 0
-            row[i] = (row[i] + _predicted(kind, left, above[i], corner)) % 256
-        rows.append(row)
-        above = row
-    return rows
-
-
-def _predicted(kind, left, above, corner):
-    if kind < 4:
-        return (0, left, above, (left + above) // 2)[kind]
-    estimate = left + above - corner
-    return min((left, above, corner), key=lambda value: abs(estimate - value))
+    picture = PIL.Image.open(io.BytesIO(data))
+    assert picture.format == "PNG" and picture.mode in ("L", "RGB"), (picture.format, picture.mode)
+    pixels = list(picture.getdata())
+    width, height = picture.size
+    return width, height, [pixels[y * width:(y + 1) * width] for y in range(height)]
 
 
 def bits(*values):
