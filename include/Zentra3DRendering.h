@@ -161,6 +161,19 @@ void Z3D_CALL Free3DData(Volume3D* volume);
 /* ------------------------------------------------------------------------------------------------------ */
 
 /*
+ * Where voxels appear. With a volume of N voxels and a picture of W x H pixels, voxel v (0-based) is seen
+ *     (W - 1) / 2 + right   columns from the left,
+ *     (H - 1) / 2 - up      rows from the top,    where (right, up, away) = R * (v - (N - 1) / 2)
+ * Example: 5 x 4 x 3 voxels turned by 90 degrees about Z make 4 x 5 pixels. Voxel (4, 0, 1) is (2, -1.5, 0) from
+ * the centre, turned (1.5, 2, 0), so at column 3 of the top row. Not turned it is at column 4 of row 3.
+ * - Voxels count as cubes. A scan with another spacing is resampled by the host first.
+ * - Right, up, away is a left-handed system. A scan with right-handed axes, as usual (x to the patient's left, y to
+ *   the back, z to the head), appears mirrored under every true rotation. A host that minds negates row 0 of the
+ *   matrix, which mirrors the picture, or shows each row from right to left.
+ * - A sample is the nearest voxel, and samples are one voxel length apart: oblique views can miss single voxels.
+ */
+
+/*
  * The size of the projection of a volume under a rotation: the bounding box of the rotated volume, in pixels
  * of one voxel each. It depends on the volume's size and the rotation alone; the crop box does not change it.
  *   volume         its slices are not touched and its lock state stays
@@ -168,7 +181,8 @@ void Z3D_CALL Free3DData(Volume3D* volume);
  *                  row 2 the viewing direction (away from the viewer), each in volume axes.
  *                  CreateRotateMatrix gives doubles: convert them.
  *   x0 .. z1       crop box as for GetRotProjection; accepted for symmetry
- *   width, height  receive the size; each keeps its low 16 bits. A null one is skipped.
+ *   width, height  receive the size; each keeps its low 16 bits, so sizes above 65535 wrap (possible with matrices
+ *                  that stretch). A null one is skipped.
  *   reserved       ignored
  * Fails    stores 0 and 0 when the volume or the rotation is null, when the rotation is not finite or so large
  *          that a size does not fit 32 bits, or when memory is short. A volume with a dimension of 0 has a size
@@ -188,7 +202,10 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  *   mode           one of enum RenderMode: what a pixel holds, see below
  *   x0, x1, y0, y1, z0, z1
  *                  crop box in voxels, 1-based, inclusive: 1..width, 1..height, 1..depth is the whole volume.
- *                  Swapped ends and values beyond the volume are put right.
+ *                  Swapped ends and values beyond the volume are put right. The box reaches from centre to centre
+ *                  of its outermost voxels, one of a single voxel half a voxel to both sides, and rays are
+ *                  sampled from where they enter it: not turned, a box of one slice shows the slice before it
+ *                  too. The grey maximum takes one sample more at the far end.
  *   high, low      intensity window, upper bound first. Grey: tested on the voxel, 0..255. Colour: tested on
  *                  the sum of the three channels, 0..765. Inclusive at both ends, but strict in modes 3 and 5.
  *                  low > high accepts nothing; a bound that is not a number accepts nothing, and bounds nothing
@@ -199,29 +216,47 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  *   width, height  receive the size that GetRotDim gives, whatever the mode
  *   reserved       ignored
  *
- * Modes, and what the three floats of a pixel hold
+ * Modes
  *   0  maximum: the largest voxel in the window along the ray. Colour: the largest of each channel among the
  *      voxels in the window, so the channels of one pixel may come from different voxels.
- *   1  minimum: the smallest, likewise. Pixels without a contribution hold +3.4028235e38 (bits 0x7F7FFFFF).
+ *   1  minimum: the smallest, likewise.
  *   2  sum: the sum of the voxels in the window, not averaged; single precision. Colour: per channel.
  *   3  shaded surface: a voxel is material when its value lies strictly inside the window. Grey: the shade, 0..1
  *      (the cosine between the intensity gradient and the viewing direction), where the ray first meets the
  *      material; layered: the sum of the shades of all entries, the n-th, from 0, times extra to the power n.
- *      Colour: the shade times each channel's share of the voxel's sum. Pixels without a surface hold 0.
+ *      Colour: the shade times each channel's share of the voxel's sum.
  *      Volumes of 1 or 2 slices are not shaded (shade 1), and their grey first surface looks at the nearest
  *      sample alone. A black voxel in a colour window with a negative low gives floats that are not finite.
  *   4  translucent blend, back to front: each voxel in the window covers what lies behind it by its value over
- *      255 (colour: sum over 765) times 1 - extra. 0..255 for transparencies of 0..1.
+ *      255 (colour: sum over 765) times 1 - extra.
  *   5  local contrast: the largest difference between a voxel strictly inside the window and its neighbours in
- *      the picture plane. Grey: the sum over four neighbours, 0..1020. Colour: one neighbour's difference,
- *      0..765, shared out in the voxel's proportions. The outermost rows and columns of the projection hold 0.
- *      In volumes of 1 or 2 slices every voxel in the window scores 1.
+ *      the picture plane; neighbours count when they, too, lie strictly inside the window. Grey: the sum over
+ *      four neighbours. Colour: one neighbour's difference, shared out in the voxel's proportions. A voxel
+ *      without any difference counts as none, so flat areas are empty. The outermost rows and columns of the
+ *      projection are not rendered. In volumes of 1 or 2 slices every voxel in the window scores 1.
  *   6  first hit: the voxel in the window that is nearest to the viewer.
  *   any other: null, with the size stored
  *
+ * What pixels hold. A pixel is three floats: red, green, blue in colour, and the same value three times in grey.
+ *      mode           values of a float                empty pixels    suggested as bytes
+ *   0  maximum        0..255                           -3.4028235e38   as they are, or windowed (below)
+ *   1  minimum        0..255                           +3.4028235e38   the same
+ *   2  sum            0..255 times the samples         -3.4028235e38   value * 255 / largest of the picture
+ *   3  surface        0..1, layers to their number,    0               value * 255; layers and colours
+ *                     colours add up to at most 1                      value * 255 / largest of the picture
+ *   4  blend          0..255 for transparencies 0..1   -3.4028235e38   as they are, or windowed
+ *   5  contrast       0..1020; colours add up to at    -3.4028235e38;  value * 255 / largest of the picture
+ *                     most 765; 1 in thin volumes      the border 0
+ *   6  first hit      0..255                           -3.4028235e38   as they are, or windowed
+ * -3.4028235e38 has the bits 0xFF7FFFFF, +3.4028235e38 0x7F7FFFFF. They are marks: map them to the background
+ * first. Windowed: (value - outMin) * 255 / (outMax - outMin), held to 0..255, with the display range that
+ * GetRGBImage gives; its range of a colour volume is of the sum of the channels, so it is divided by 3 for a
+ * channel. outMax and outMin are also a window, as `high` and `low`, that accepts every voxel (in modes 3 and 5,
+ * whose window excludes its ends, and for a grey volume of floats take them one wider).
+ *
  * Returns  W * H pixels of 3 floats (12 bytes), top row of the view first, rows without padding, in raw voxel
- *          scale, not normalised. Grey volumes write one value three times. Pixels without a contribution hold
- *          -3.4028235e38 (bits 0xFF7FFFFF) where the mode does not say otherwise.
+ *          scale, not normalised. Where W or H is above 65535, the block has all pixels but the stored size does
+ *          not say so.
  * Fails    null for an unknown mode; for a null volume, rotation or size pointer; for a rotation that GetRotDim
  *          refuses; when a dimension is 0, or a slice is missing or differs from the others in size or format;
  *          when W * H * 12 does not fit 32 bits; when memory is short. Sizes are stored where they are known,
@@ -256,7 +291,9 @@ float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short 
  * Phases  Every file that is loaded has a phase of 101, then 102 after each slice; where the depth changes, a
  *         second phase of 101 and 102 after each slice of the result follows. Making the RGB or grey result is
  *         the last phase: 102 before each slice, without a 101; a single file of bytes is returned as it was
- *         loaded and needs none. Each phase counts to 100 percent on its own, so 100 is not the end of the call.
+ *         loaded and needs none. Each phase counts to 100 percent on its own, so 100 is not the end of the call:
+ *         there are (loaded files) * (2 where the depth changes, else 1) phases, and one more unless one file of
+ *         bytes is returned.
  * Rules   It is stdcall like every function here. It and what it needs stay alive until GetRGBImage returns: in
  *         a managed language keep a reference to the delegate. No exception and no longjmp may leave it. It
  *         finds the floating-point state of the host, and may change it. It may call this library, except that
@@ -278,13 +315,14 @@ typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned in
  *   is8bit           non-zero: samples are unsigned bytes. 0: 32-bit little-endian floats.
  *   maxDiagonal      the longest allowed diagonal of the result, in voxels. With a longer stored diagonal
  *                    L = sqrt(width^2 + height^2 + depth^2) every length becomes length * maxDiagonal / L, without
- *                    its fraction and at least 1: 100 x 100 x 100 and a limit of 100 give 57 x 57 x 57.
+ *                    its fraction and at least 1: 100 x 100 x 100 and a limit of 100 give 57 x 57 x 57, and a
+ *                    limit of 0 or below 1 x 1 x 1.
  *   outMax, outMin   receive the display range of the result, upper end first; a null one is skipped.
  *                    RGB: of the sum of the three channels, in steps of 3: the largest sum of a voxel rounded up,
  *                    at least 3, and the next step below the smallest sum, at least 0. All black gives 3 and 0,
  *                    all white 765 and 762.
  *                    Grey of bytes: of the samples. Grey of floats: of the samples mapped to 0..255 before they
- *                    are rounded, so it may go a little beyond.
+ *                    are rounded, so it may go a little beyond; when all samples are one value, that value.
  *   rangeMaxOut, rangeMinOut
  *                    receive the range of all channels' samples after resampling, upper end first. Filled when
  *                    both are given; when just one is, it receives the start value of a range, -3.4028235e38 for
@@ -295,15 +333,23 @@ typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned in
  *                    spelling, same case) shares the red channel and is not loaded again. Non-zero: every named
  *                    file is loaded by itself.
  *
- * Returns  a new unlocked volume. When all three names are the red one and channels are not kept apart: one grey
- *          volume of 1 byte per voxel, 8-bit samples as they are, floats mapped from their range to 0..255.
- *          Otherwise 3 bytes per voxel, with all channels mapped through their common range: floats from that
- *          range to 0..255; bytes as 0..255 standing for the range, so a full range leaves them as they are.
+ * Returns  a new unlocked volume.
+ *          Grey, 1 byte per voxel, when all three names are the red one and channels are not kept apart: name a
+ *          single grey file three times. 8-bit samples stay as they are. Floats are mapped from their range to
+ *          0..255; when all are one value, every byte is the low 8 bits of its integer part.
+ *          Otherwise colour, 3 bytes per voxel: a file that is named once is red, green or blue. All channels are
+ *          mapped through their common range, min..max. Floats go from it to 0..255. A byte v becomes
+ *          min + v * (max - min) / 255, rounded, so that bytes stay as they are only when 0 and 255 both occur;
+ *          labels should be loaded as grey. A range of a single value makes everything black.
  * Resampling  In plane it starts at column 1 and row 1 of the stored slice, and the last columns and rows of the
- *          result stay 0. In depth it is linear between slices.
+ *          result are 0. In depth it is linear between slices, and every sample, zeroes at the border too, is then
+ *          held to the range of the samples in the file: 8 x 8 x 8 bytes of 50 and a diagonal of 7 give
+ *          4 x 4 x 4 of 50, 8 x 8 x 1 give 4 x 4 x 1 with zeroes in column 3 and row 3.
  * Fails    null, after the callback's code 0. When a file cannot be opened, or when memory is short while it is
  *          read, the user is told first, in a modal message box ("Cannot open file", "Out of memmory"; see
- *          SetRenderMsgTitle); there is no other message. Null without a message: a cancel, a stored size below
+ *          SetRenderMsgTitle); there is no other message. The box waits for its OK. A host without a user keeps it
+ *          away with a WH_CBT hook on the calling thread (SetWindowsHookEx) that returns 1 for HCBT_CREATEWND: the
+ *          call then ends with null at once. Null without a message: a cancel, a stored size below
  *          1, no file named at all, memory that runs short later. The two display range outputs are then
  *          unspecified; the other two are start values or a range.
  * Owner    the host; release with Free3DData or GlobalFree3D.
@@ -353,12 +399,12 @@ void Z3D_CALL CreateRotateMatrix(double* matrix, const AxisOrder* order, float a
  *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
  *                  come from.
  *   m02, m12, m22  the elements in rows 0, 1 and 2 of column 2: doubles by value, two slots each
- *   angleX         receives degrees, above -180 to 180: a half turn is 180, never -180
+ *   angleX         receives degrees, above -180 to 180: a half turn is 180
  *   angleY         receives degrees, -90 to 90. A positive one turns Z towards -X: m02 is minus its sine.
  *   angleZ         degrees, any; only the matrix depends on it
  * An angle nearer to zero than 0.001 degrees is exactly 0. Where X and Z turn about the same axis, |m02|
  * within 0.00001 of 1 (a quarter of a degree from the pole), Y is exactly 90 or -90 and X is 0. Elements of
- * no rotation, such as |m02| above 1.00001, can make angles and matrix NaN.
+ * no rotation, such as |m02| above 1.00001, can make angles and matrix NaN, or give -180.
  * Fails    a null pointer: nothing is written.
  * Threads  any.
  */
@@ -372,11 +418,11 @@ void Z3D_CALL GetAngleXY(double* matrix, double m02, double m12, double m22, flo
  *                  come from.
  *   m01, m11, m21  the elements in rows 0, 1 and 2 of column 1: doubles by value, two slots each
  *   angleX         receives degrees, -90 to 90; m21 is its sine
- *   angleZ         receives degrees, above -180 to 180: a half turn is 180, never -180
+ *   angleZ         receives degrees, above -180 to 180: a half turn is 180
  *   angleY         degrees, any; only the matrix depends on it. A positive one turns Z towards -X.
  * An angle nearer to zero than 0.001 degrees is exactly 0. Where Z and Y turn about the same axis, |m21|
  * within 0.00001 of 1 (a quarter of a degree from the pole), X is exactly 90 or -90 and Z is 0. Elements of
- * no rotation, such as |m21| above 1.00001, can make angles and matrix NaN.
+ * no rotation, such as |m21| above 1.00001, can make angles and matrix NaN, or give -180.
  * Fails    a null pointer: nothing is written.
  * Threads  any.
  */
@@ -389,13 +435,13 @@ void Z3D_CALL GetAngleZX(double* matrix, double m01, double m11, double m21, flo
  *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
  *                  come from.
  *   m00, m10, m20  the elements in rows 0, 1 and 2 of column 0: doubles by value, two slots each
- *   angleY         receives degrees, above -180 to 180: a half turn is 180, never -180. A positive one turns
+ *   angleY         receives degrees, above -180 to 180: a half turn is 180. A positive one turns
  *                  Z towards -X.
  *   angleZ         receives degrees, -90 to 90; m10 is its sine
  *   angleX         degrees, any; only the matrix depends on it
  * An angle nearer to zero than 0.001 degrees is exactly 0. Where Y and X turn about the same axis, |m10|
  * within 0.00001 of 1 (a quarter of a degree from the pole), Z is exactly 90 or -90 and Y is 0. Elements of
- * no rotation, such as |m10| above 1.00001, can make angles and matrix NaN.
+ * no rotation, such as |m10| above 1.00001, can make angles and matrix NaN, or give -180.
  * Fails    a null pointer: nothing is written.
  * Threads  any.
  */
@@ -408,9 +454,10 @@ void Z3D_CALL GetAngleYZ(double* matrix, double m00, double m10, double m20, flo
  *   angleX  receives degrees, above -180 to 180
  *   angleY  receives degrees, -90 to 90. A positive one turns Z towards -X.
  *   angleZ  receives degrees, above -180 to 180
- * A half turn is 180, never -180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter
- * of a degree of Y = 90 or Y = -90 (element 2 within 0.00001 of -1 or 1), where X and Z turn about the same
- * axis, Y is exactly 90 or -90, X is 0 and Z holds the whole turn. A matrix that is no rotation can give NaN.
+ * A half turn is 180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter of a degree
+ * of Y = 90 or Y = -90 (element 2 within 0.00001 of -1 or 1), where X and Z turn about the same axis, Y is
+ * exactly 90 or -90, X is 0 and Z holds the whole turn. A matrix that is no rotation can give NaN, and
+ * -180.
  * Fails    a null pointer: nothing is written.
  * Threads  any.
  */
@@ -422,9 +469,10 @@ void Z3D_CALL GetAngleXYZ(const double* matrix, float* angleX, float* angleY, fl
  *   angleX  receives degrees, -90 to 90
  *   angleY  receives degrees, above -180 to 180. A positive one turns Z towards -X.
  *   angleZ  receives degrees, above -180 to 180
- * A half turn is 180, never -180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter
- * of a degree of X = 90 or X = -90 (element 7 within 0.00001 of 1 or -1), where Z and Y turn about the same
- * axis, X is exactly 90 or -90, Z is 0 and Y holds the whole turn. A matrix that is no rotation can give NaN.
+ * A half turn is 180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter of a degree
+ * of X = 90 or X = -90 (element 7 within 0.00001 of 1 or -1), where Z and Y turn about the same axis, X is
+ * exactly 90 or -90, Z is 0 and Y holds the whole turn. A matrix that is no rotation can give NaN, and
+ * -180.
  * Fails    a null pointer: nothing is written.
  * Threads  any.
  */
@@ -436,9 +484,10 @@ void Z3D_CALL GetAngleZXY(const double* matrix, float* angleX, float* angleY, fl
  *   angleX  receives degrees, above -180 to 180
  *   angleY  receives degrees, above -180 to 180. A positive one turns Z towards -X.
  *   angleZ  receives degrees, -90 to 90
- * A half turn is 180, never -180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter
- * of a degree of Z = 90 or Z = -90 (element 3 within 0.00001 of 1 or -1), where Y and X turn about the same
- * axis, Z is exactly 90 or -90, Y is 0 and X holds the whole turn. A matrix that is no rotation can give NaN.
+ * A half turn is 180; an angle nearer to zero than 0.001 degrees is exactly 0. Within a quarter of a degree
+ * of Z = 90 or Z = -90 (element 3 within 0.00001 of 1 or -1), where Y and X turn about the same axis, Z is
+ * exactly 90 or -90, Y is 0 and X holds the whole turn. A matrix that is no rotation can give NaN, and
+ * -180.
  * Fails    a null pointer: nothing is written.
  * Threads  any.
  */
@@ -453,7 +502,7 @@ void Z3D_CALL GetAngleYZX(const double* matrix, float* angleX, float* angleY, fl
  *              degrees; read and replaced. A positive Y angle turns Z towards -X.
  * Both orders ending in the same axis, or an entry outside 0..2 as the last of toOrder, leave the angles as
  * they are: from 0, 1, 2 to 1, 0, 2 nothing is converted.
- * New angles lie above -180 and up to 180 (a half turn is 180, never -180) and are exactly 0 when nearer to
+ * New angles lie above -180 and up to 180 (a half turn is 180) and are exactly 0 when nearer to
  * zero than 0.001 degrees. Within a quarter of a degree of 90 or -90 the new order's middle angle is exactly
  * that, its first angle 0, and its last angle holds the whole remaining turn. Angles that are not finite give
  * NaN.

@@ -164,6 +164,17 @@ TEST(GeometryExports, GiveAHalfTurnAsPlus180) {
     EXPECT_EQ(AnglesOf(TheLibrary().GetAngleYZX, aboutX), (Angles{180, 0, 0}));
 }
 
+// Only a column that no rotation has: its length of 1000 lets an angle come nearer to -180 than floats can tell.
+TEST(GeometryExports, GiveMinus180ForColumnsOfNoRotationOnly) {
+    Matrix matrix;
+    float x = 0;
+    float y = 0;
+
+    TheLibrary().GetAngleXY(matrix.data(), 0, 0.000011, -1000, &x, &y, 0);
+
+    EXPECT_EQ(x, -180.0f);
+}
+
 TEST(GeometryExports, SnapAnglesBelowAThousandthOfADegreeToZero) {
     EXPECT_EQ(AnglesOf(TheLibrary().GetAngleXYZ, Rotate(kXYZ, 0.0009f, -0.0009f, 0.0009f)),
               (Angles{0, 0, 0}));

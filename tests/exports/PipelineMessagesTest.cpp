@@ -105,6 +105,23 @@ TEST(PipelineMessages, AreNotShownForACancelOrForSizesBelowOne) {
     EXPECT_EQ(BoxShownBy([&] { EXPECT_EQ(empty.Run(), nullptr); }), ShownBox{});
 }
 
+LRESULT CALLBACK RefuseWindows(int code, WPARAM first, LPARAM second) {
+    return code == HCBT_CREATEWND ? 1 : CallNextHookEx(nullptr, code, first, second);
+}
+
+// What the header advises to a host without a user.
+TEST(PipelineMessages, CanBeKeptAwayByAHookOfTheHosts) {
+    CallbackLog log;
+    ImageCall call = {.red = "no such file", .log = &log};
+    const HHOOK hook = SetWindowsHookExW(WH_CBT, RefuseWindows, nullptr, GetCurrentThreadId());
+    ASSERT_NE(hook, nullptr);
+
+    EXPECT_EQ(call.Run(), nullptr) << "nobody is here to press OK";
+
+    UnhookWindowsHookEx(hook);
+    EXPECT_EQ(log.calls, Calls{kNoResult});
+}
+
 TEST(PipelineMessages, AreTitledByTheLibraryAtFirst) {
     const Copy copy;
 
