@@ -185,7 +185,7 @@ void Z3D_CALL Free3DData(Volume3D* volume);
  *                  that stretch). A null one is skipped.
  *   reserved       ignored
  * Fails    stores 0 and 0 when the volume or the rotation is null, when the rotation is not finite or so large
- *          that a size does not fit 32 bits, or when memory is short. A volume with a dimension of 0 has a size
+ *          that a size is above 2147483647, or when memory is short. A volume with a dimension of 0 has a size
  *          of no meaning.
  * Threads  any.
  */
@@ -197,8 +197,11 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  * nearest voxel per voxel length. Volumes of 3 bytes per voxel are rendered in colour, all others as grey
  * bytes.
  *   volume         every slice present and of the volume's size. It is locked for the call and left unlocked,
- *                  also when the host had locked it.
- *   rotation       9 floats as for GetRotDim; expected to be orthonormal: its transpose is its inverse
+ *                  also when the host had locked it. The first slice's format decides how all are read: 3 bytes
+ *                  per voxel where it has 3, else 1, from the first byte of every slice on.
+ *   rotation       9 floats as for GetRotDim; expected to be orthonormal: its transpose is its inverse. Others are
+ *                  used as they are, up to a length of 1024 of row 2: as many samples are taken per voxel, and a
+ *                  call takes as many times longer.
  *   mode           one of enum RenderMode: what a pixel holds, see below
  *   x0, x1, y0, y1, z0, z1
  *                  crop box in voxels, 1-based, inclusive: 1..width, 1..height, 1..depth is the whole volume.
@@ -258,7 +261,8 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  *          scale, not normalised. Where W or H is above 65535, the block has all pixels but the stored size does
  *          not say so.
  * Fails    null for an unknown mode; for a null volume, rotation or size pointer; for a rotation that GetRotDim
- *          refuses; when a dimension is 0, or a slice is missing or differs from the others in size or format;
+ *          refuses, or whose row 2 is longer than 1024 (doubles passed as floats look like that); when a dimension
+ *          is 0, or a slice is missing, has another size, or has too few bytes for the first one's format;
  *          when W * H * 12 does not fit 32 bits; when memory is short. Sizes are stored where they are known,
  *          else 0 and 0. A volume that was to be rendered is left unlocked.
  * Owner    the host. The pixels are a locked block of global memory; their address is not its handle:

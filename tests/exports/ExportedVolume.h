@@ -26,7 +26,7 @@ private:
 // 15 times a rotation in whole numbers is (5 10 10 / -2 11 -10 / -14 2 5): orthonormal, no element 0.
 inline constexpr float kOblique[9] = {1.0f / 3,  2.0f / 3,    2.0f / 3,  -2.0f / 15, 11.0f / 15,
                                       -2.0f / 3, -14.0f / 15, 2.0f / 15, 1.0f / 3};
-inline constexpr float kIdentity[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+inline constexpr float kNotTurned[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 
 // Size of a projection's pixels.
 constexpr std::size_t ProjectionBytes(unsigned short width, unsigned short height) {

@@ -25,7 +25,7 @@ void OneRound(int round) {
 
     unsigned short size[2];
     const short mode = static_cast<short>(round % 8);
-    float* pixels = TheLibrary().GetRotProjection(volume, round % 10 == 2 ? nullptr : kIdentity, mode, 1, 4,
+    float* pixels = TheLibrary().GetRotProjection(volume, round % 10 == 2 ? nullptr : kNotTurned, mode, 1, 4,
                                                   1, 3, 1, 2, 255, 0, 0.5f, &size[0], &size[1], 0);
     if (pixels != nullptr) ReleaseProjection(pixels);
     if (round % 10 == 0) TheLibrary().GlobalLock3D(volume);

@@ -40,7 +40,7 @@ TEST(ProjectionExports, FirstRowOfTheArrayIsTheLastRowOfTheVolume) {
     slices[1][2][1] = 200;
     TheLibrary().GlobalUnlock3D(volume.Get());
 
-    const Projection projection = RenderMaximum(volume.Get(), kIdentity);
+    const Projection projection = RenderMaximum(volume.Get(), kNotTurned);
     EXPECT_EQ(projection.width, 4);
     EXPECT_EQ(projection.height, 3);
     EXPECT_EQ(projection.pixels[3 * 1], 200.0f);
@@ -89,7 +89,7 @@ TEST(ProjectionExports, UpperHalvesOfSizeQueriesAreIgnored) {
     ForeignHost host(kPlainHost);
     unsigned short size[2] = {};
 
-    host.Call("GetRotDim", volume.Get(), kIdentity, 0xABCD0001u, 0xABCD0006u, 0x80000001u, 0x80000005u,
+    host.Call("GetRotDim", volume.Get(), kNotTurned, 0xABCD0001u, 0xABCD0006u, 0x80000001u, 0x80000005u,
               0xFFFF0001u, 0xFFFF0004u, &size[0], &size[1], -1);
 
     EXPECT_EQ(size[0], 6);
@@ -101,7 +101,7 @@ TEST(ProjectionExports, UnknownModesStoreTheSizeAndGiveNull) {
     for (const short mode : std::initializer_list<short>{7, -1, 32767, -32768}) {
         unsigned short size[2] = {};
 
-        EXPECT_EQ(TheLibrary().GetRotProjection(volume.Get(), kIdentity, mode, 1, 6, 1, 5, 1, 4, 255, 0, 0,
+        EXPECT_EQ(TheLibrary().GetRotProjection(volume.Get(), kNotTurned, mode, 1, 6, 1, 5, 1, 4, 255, 0, 0,
                                                 &size[0], &size[1], 0),
                   nullptr);
         EXPECT_EQ(size[0], 6);
@@ -114,9 +114,9 @@ TEST(ProjectionExports, CropBoundsAreOneBasedAndMayBeSwapped) {
     const ExportedVolume volume(9, 9, 9, 1);
     for (const bool swapped : {false, true}) {
         unsigned short size[2] = {};
-        float* pixels = swapped ? TheLibrary().GetRotProjection(volume.Get(), kIdentity, 0, 7, 3, 9, 1, 9, 1,
+        float* pixels = swapped ? TheLibrary().GetRotProjection(volume.Get(), kNotTurned, 0, 7, 3, 9, 1, 9, 1,
                                                                 255, 0, 0, &size[0], &size[1], 0)
-                                : TheLibrary().GetRotProjection(volume.Get(), kIdentity, 0, 3, 7, 1, 9, 1, 9,
+                                : TheLibrary().GetRotProjection(volume.Get(), kNotTurned, 0, 3, 7, 1, 9, 1, 9,
                                                                 255, 0, 0, &size[0], &size[1], 0);
         ASSERT_NE(pixels, nullptr);
         EXPECT_EQ(pixels[3 * 1], kNoContribution);
@@ -131,7 +131,7 @@ TEST(ProjectionExports, LeaveTheVolumeUnlockedWhoeverLockedIt) {
     const ExportedVolume volume(4, 3, 2, 1);
     TheLibrary().GlobalLock3D(volume.Get());
 
-    EXPECT_TRUE(ReleaseProjection(RenderMaximum(volume.Get(), kIdentity).pixels));
+    EXPECT_TRUE(ReleaseProjection(RenderMaximum(volume.Get(), kNotTurned).pixels));
 
     EXPECT_EQ(volume->sliceRows, nullptr);
     EXPECT_EQ(TheLibrary().GlobalUnlock3D(volume.Get()), 1);
@@ -142,9 +142,9 @@ TEST(ProjectionExports, SizeQueriesAndUnknownModesLeaveTheLockAlone) {
     unsigned char*** slices = TheLibrary().GlobalLock3D(volume.Get());
     unsigned short size[2] = {};
 
-    TheLibrary().GetRotDim(volume.Get(), kIdentity, 1, 4, 1, 3, 1, 2, &size[0], &size[1], 0);
-    TheLibrary().GetRotProjection(volume.Get(), kIdentity, 7, 1, 4, 1, 3, 1, 2, 255, 0, 0, &size[0], &size[1],
-                                  0);
+    TheLibrary().GetRotDim(volume.Get(), kNotTurned, 1, 4, 1, 3, 1, 2, &size[0], &size[1], 0);
+    TheLibrary().GetRotProjection(volume.Get(), kNotTurned, 7, 1, 4, 1, 3, 1, 2, 255, 0, 0, &size[0],
+                                  &size[1], 0);
 
     EXPECT_EQ(volume->sliceRows, slices);
     EXPECT_EQ(slices[1], volume->slices[1]->rows);

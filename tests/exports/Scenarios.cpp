@@ -36,7 +36,7 @@ void MakeAndFreeVolumes(ForeignHost& host, Findings& findings) {
 
 void AskForSizes(ForeignHost& host, Findings& findings) {
     const ExportedVolume volume(64, 48, 10, 1);
-    for (const float* rotation : {kIdentity, kOblique}) {
+    for (const float* rotation : {kNotTurned, kOblique}) {
         unsigned short size[2] = {};
         host.Call("GetRotDim", volume.Get(), rotation, 1, 64, 1, 48, 1, 10, &size[0], &size[1], 7);
         findings.Add(size);
@@ -46,7 +46,7 @@ void AskForSizes(ForeignHost& host, Findings& findings) {
 void Render(ForeignHost& host, Findings& findings, int mode, unsigned int bytesPerVoxel, float high,
             float low, float extra) {
     const ExportedVolume volume(11, 9, 10, bytesPerVoxel);
-    for (const float* rotation : {kIdentity, kOblique}) {
+    for (const float* rotation : {kNotTurned, kOblique}) {
         unsigned short size[2] = {};
         auto* pixels = host.CallForPointer<float>("GetRotProjection", volume.Get(), rotation, mode, 2, 11, 1,
                                                   8, 1, 10, high, low, extra, &size[0], &size[1], 0);

@@ -94,11 +94,11 @@ std::optional<Ray> TraceRay(const Frame& frame, int i, int j) {
     range.end = Stored(range.end + hd);
 
     // A ray that met no face still starts at the largest float and ends here.
-    const double lastIndex = frame.outputSize[2] - 1;
+    const float lastIndex = Stored(frame.outputSize[2] - 1);
     if (range.start > lastIndex) return std::nullopt;
     if (range.start < 0.0f) range.start = 0.0f;
     if (range.end < 0.0f) return std::nullopt;
-    if (range.end > lastIndex) range.end = Stored(lastIndex);
+    if (range.end > lastIndex) range.end = lastIndex;
     if (range.start > range.end) return std::nullopt;
 
     return Ray{px, py, static_cast<std::int64_t>(range.start), static_cast<std::int64_t>(range.end)};

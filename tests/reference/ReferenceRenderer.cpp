@@ -39,6 +39,16 @@ Kernel SelectKernel(int mode, bool colour, float extra) {
     }
 }
 
+// A viewing direction longer than this would take more than a thousand samples per voxel.
+constexpr double kLongestViewAxis = 1024.0;
+
+bool IsTooLong(const Matrix& rotation) {
+    const double x = Element(rotation, 2, 0);
+    const double y = Element(rotation, 2, 1);
+    const double z = Element(rotation, 2, 2);
+    return x * x + y * y + z * z > kLongestViewAxis * kLongestViewAxis;
+}
+
 } // namespace
 
 Projection Render(const Volume& volume, const Request& request) {
@@ -51,7 +61,7 @@ Projection Render(const Volume& volume, const Request& request) {
 
     const float extra = std::bit_cast<float>(request.extraBits);
     const Kernel kernel = SelectKernel(request.mode, volume.bytesPerVoxel == 3, extra);
-    if (kernel == nullptr) return projection;
+    if (kernel == nullptr || IsTooLong(frame->rotation)) return projection;
 
     // Pixels of 12 bytes have to fit a block whose size has 32 bits.
     const std::uint64_t pixelCount =

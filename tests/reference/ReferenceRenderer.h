@@ -32,7 +32,8 @@ struct Request {
 };
 
 // Sizes of 0 mean that the rotation has no bounding box of whole voxels (not finite, or too large).
-// `rendered` is also false, with the sizes known, for an unknown mode and for pixels of 4 GiB and more.
+// `rendered` is also false, with the sizes known, for an unknown mode, for pixels of 4 GiB and more, and for a third
+// row longer than 1024.
 struct Projection {
     int width = 0;
     int height = 0;

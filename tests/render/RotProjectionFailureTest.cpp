@@ -161,16 +161,33 @@ TEST(RotProjection, RefusesAVolumeWithoutSlices) {
     ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
 }
 
-TEST(RotProjection, RefusesASliceOfAnotherSizeOrFormat) {
+TEST(RotProjection, RefusesASliceOfAnotherSize) {
     const HostVolume volume(4, 3, 2, 1);
     ::Image2D* slice = volume->slices[1];
-    for (::Image2D* other :
-         {frame::GlobalAlloc2D(3, 3, 1), frame::GlobalAlloc2D(4, 2, 1), frame::GlobalAlloc2D(4, 3, 3)}) {
+    for (::Image2D* other : {frame::GlobalAlloc2D(3, 3, 1), frame::GlobalAlloc2D(4, 2, 1)}) {
         volume->slices[1] = other;
         ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
         frame::GlobalFree2D(other);
     }
     volume->slices[1] = slice;
+}
+
+// The first slice has 3 bytes per voxel, so colours are read, which the other one has too few bytes for.
+TEST(RotProjection, RefusesASliceThatIsTooSmallForTheFirstOnesFormat) {
+    for (const std::uint32_t bytes : {0u, 1u, 2u}) {
+        const HostVolume volume(4, 3, 2, 3);
+        frame::GlobalFree2D(volume->slices[1]);
+        volume->slices[1] = frame::GlobalAlloc2D(4, 3, bytes);
+        ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+    }
+}
+
+TEST(RotProjection, RefusesAThirdRowLongerThan1024ButStoresItsSize) {
+    const HostVolume volume(4, 3, 2, 1);
+    const float longest[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1024.0001f};
+    ExpectRefused(volume.Get(), longest, {4, 3});
+    const float oblique[9] = {1, 0, 0, 0, 1, 0, 600, 600, 600};
+    ExpectRefused(volume.Get(), oblique, {4, 3});
 }
 
 TEST(RotProjection, RefusesASliceWhoseBytesDoNotFit32Bits) {
