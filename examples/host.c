@@ -20,7 +20,7 @@ int main(void) {
     CreateRotateMatrix(matrix, &order, 30.0f, 40.0f, 50.0f);
     for (i = 0; i < 9; ++i)
         rotation[i] = (float)matrix[i];
-    pixels = GetRotProjection(volume, rotation, 0 /* maximum */, 1, 64, 1, 64, 1, 64, 255.0f /* high */,
+    pixels = GetRotProjection(volume, rotation, RenderModeMaximum, 1, 64, 1, 64, 1, 64, 255.0f /* high */,
                               0.0f /* low */, 0.0f, &width, &height, 0);
     GlobalFree3D(volume);
     if (pixels == NULL) return 1;

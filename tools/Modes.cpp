@@ -26,20 +26,20 @@ constexpr Interval kPositive = {0, kNoBound};
 
 // Colour surfaces show a voxel's share of each channel, which seldom comes near 1: they are stretched.
 constexpr Mode kModes[] = {
-    {"max", 0, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
+    {"max", RenderModeMaximum, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "the brightest voxel along the ray"},
-    {"min", 1, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
+    {"min", RenderModeMinimum, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "the darkest voxel in the window"},
-    {"sum", 2, Extra::None, 0, kAllGrey, kAllColour, true, true, kPositive, kPositive,
+    {"sum", RenderModeSum, Extra::None, 0, kAllGrey, kAllColour, true, true, kPositive, kPositive,
      "the sum of the voxels in the window"},
-    {"surface", 3, Extra::None, 0, kSolidGrey, kSolidColour, false, true, kUnit, kUnit,
+    {"surface", RenderModeSurface, Extra::None, 0, kSolidGrey, kSolidColour, false, true, kUnit, kUnit,
      "the first surface of the material, shaded"},
-    {"layers", 3, Extra::Attenuation, 0.5f, kSolidGrey, kSolidColour, true, true, kPositive, kPositive,
-     "all surfaces of the material, deeper ones fainter"},
-    {"blend", 4, Extra::Transparency, 0.9f, kAllGrey, kAllColour, false, false, kBytes, kBytes,
+    {"layers", RenderModeSurface, Extra::Attenuation, 0.5f, kSolidGrey, kSolidColour, true, true, kPositive,
+     kPositive, "all surfaces of the material, deeper ones fainter"},
+    {"blend", RenderModeBlend, Extra::Transparency, 0.9f, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "translucent, near voxels over far ones"},
     {"contrast",
-     5,
+     RenderModeContrast,
      Extra::None,
      0,
      kNotEmptyGrey,
@@ -49,7 +49,7 @@ constexpr Mode kModes[] = {
      {0, 1020},
      {0, 765},
      "the greatest local contrast along the ray"},
-    {"first", 6, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
+    {"first", RenderModeFirstHit, Extra::None, 0, kAllGrey, kAllColour, false, false, kBytes, kBytes,
      "the first voxel in the window"},
 };
 

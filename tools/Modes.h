@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Arguments.h"
+#include "Zentra3DRendering.h"
 
 namespace z3d::tools {
 
@@ -14,7 +15,7 @@ enum class Extra { None, Transparency, Attenuation };
 
 struct Mode {
     const char* name;
-    short number;
+    RenderMode number;
     Extra extra;
     float defaultExtra;
     Interval greyWindow;   // default window on the voxel, 0..255

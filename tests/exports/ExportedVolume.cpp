@@ -27,8 +27,8 @@ ExportedVolume::~ExportedVolume() { TheLibrary().GlobalFree3D(volume_); }
 Projection RenderMaximum(Volume3D* volume, const float* rotation) {
     Projection projection;
     projection.pixels =
-        TheLibrary().GetRotProjection(volume, rotation, 0, 1, 32767, 1, 32767, 1, 32767, 765.0f, 0.0f, 0.0f,
-                                      &projection.width, &projection.height, 0);
+        TheLibrary().GetRotProjection(volume, rotation, RenderModeMaximum, 1, 32767, 1, 32767, 1, 32767,
+                                      765.0f, 0.0f, 0.0f, &projection.width, &projection.height, 0);
     return projection;
 }
 

@@ -33,7 +33,7 @@ constexpr std::size_t ProjectionBytes(unsigned short width, unsigned short heigh
     return std::size_t{width} * height * 3 * sizeof(float);
 }
 
-// The whole volume in the full grey window, mode 0. Null and unlike any size when the test goes wrong.
+// The whole volume in the full grey window, as a maximum. Null and unlike any size when the test goes wrong.
 struct Projection {
     float* pixels = nullptr;
     unsigned short width = 0xABCD;

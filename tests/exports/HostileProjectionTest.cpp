@@ -53,8 +53,8 @@ TEST_F(HostileProjection, NullVolumeOrRotation) {
 TEST_F(HostileProjection, NullSizePointers) {
     unsigned short size = 0;
     const auto render = [&](unsigned short* width, unsigned short* height) {
-        return TheLibrary().GetRotProjection(volume_.Get(), kNotTurned, 0, 1, 6, 1, 5, 1, 4, 255, 0, 0, width,
-                                             height, 0);
+        return TheLibrary().GetRotProjection(volume_.Get(), kNotTurned, RenderModeMaximum, 1, 6, 1, 5, 1, 4,
+                                             255, 0, 0, width, height, 0);
     };
 
     EXPECT_EQ(render(nullptr, nullptr), nullptr);
@@ -225,8 +225,8 @@ TEST_F(HostileProjection, WindowsThatAreNoWindows) {
     for (const auto [high, low] :
          {std::array{0.0f, 255.0f}, {kNaN, 0.0f}, {255.0f, kNaN}, {-kInfinity, kInfinity}}) {
         unsigned short size[2] = {};
-        float* pixels = TheLibrary().GetRotProjection(volume_.Get(), kOblique, 0, 1, 6, 1, 5, 1, 4, high, low,
-                                                      0, &size[0], &size[1], 0);
+        float* pixels = TheLibrary().GetRotProjection(volume_.Get(), kOblique, RenderModeMaximum, 1, 6, 1, 5,
+                                                      1, 4, high, low, 0, &size[0], &size[1], 0);
         ASSERT_NE(pixels, nullptr);
         EXPECT_EQ(*std::max_element(pixels, pixels + 3 * size[0] * size[1]),
                   std::numeric_limits<float>::lowest());
@@ -238,8 +238,9 @@ TEST_F(HostileProjection, CropBoundsFarOutside) {
     for (const auto [first, last] :
          {std::array<short, 2>{-32768, 32767}, {32767, 32767}, {-32768, -32768}, {0, 0}}) {
         unsigned short size[2] = {};
-        float* pixels = TheLibrary().GetRotProjection(volume_.Get(), kOblique, 0, first, last, first, last,
-                                                      first, last, 255, 0, 0, &size[0], &size[1], 0);
+        float* pixels =
+            TheLibrary().GetRotProjection(volume_.Get(), kOblique, RenderModeMaximum, first, last, first,
+                                          last, first, last, 255, 0, 0, &size[0], &size[1], 0);
         EXPECT_NE(pixels, nullptr);
         EXPECT_TRUE(ReleaseProjection(pixels));
     }

@@ -2,6 +2,7 @@
 #include "exports/ExportedVolume.h"
 #include "exports/HeapUse.h"
 #include "exports/Library.h"
+#include "support/RenderModes.h"
 
 #include <gtest/gtest.h>
 
@@ -15,6 +16,8 @@ namespace {
 using namespace z3d::test;
 
 constexpr int kRounds = 100000;
+// One of them is unknown.
+constexpr int kModeCount = kRenderModeCount + 1;
 
 // Of every ten volumes one is left locked, one is rendered in colour, one is refused by the renderer.
 void OneRound(int round) {
@@ -24,7 +27,7 @@ void OneRound(int round) {
     if (round % 10 != 0) TheLibrary().GlobalUnlock3D(volume);
 
     unsigned short size[2];
-    const short mode = static_cast<short>(round % 8);
+    const short mode = static_cast<short>(round % kModeCount);
     float* pixels = TheLibrary().GetRotProjection(volume, round % 10 == 2 ? nullptr : kNotTurned, mode, 1, 4,
                                                   1, 3, 1, 2, 255, 0, 0.5f, &size[0], &size[1], 0);
     if (pixels != nullptr) ReleaseProjection(pixels);

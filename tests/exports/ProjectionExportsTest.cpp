@@ -2,6 +2,7 @@
 #include "exports/ExportedVolume.h"
 #include "exports/ForeignHost.h"
 #include "exports/Library.h"
+#include "support/RenderModes.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +10,6 @@
 
 #include <cstdint>
 #include <cstring>
-#include <initializer_list>
 #include <vector>
 
 namespace {
@@ -98,7 +98,7 @@ TEST(ProjectionExports, UpperHalvesOfSizeQueriesAreIgnored) {
 
 TEST(ProjectionExports, UnknownModesStoreTheSizeAndGiveNull) {
     const ExportedVolume volume(6, 5, 4, 1);
-    for (const short mode : std::initializer_list<short>{7, -1, 32767, -32768}) {
+    for (const short mode : kUnknownModes) {
         unsigned short size[2] = {};
 
         EXPECT_EQ(TheLibrary().GetRotProjection(volume.Get(), kNotTurned, mode, 1, 6, 1, 5, 1, 4, 255, 0, 0,
@@ -114,10 +114,11 @@ TEST(ProjectionExports, CropBoundsAreOneBasedAndMayBeSwapped) {
     const ExportedVolume volume(9, 9, 9, 1);
     for (const bool swapped : {false, true}) {
         unsigned short size[2] = {};
-        float* pixels = swapped ? TheLibrary().GetRotProjection(volume.Get(), kNotTurned, 0, 7, 3, 9, 1, 9, 1,
-                                                                255, 0, 0, &size[0], &size[1], 0)
-                                : TheLibrary().GetRotProjection(volume.Get(), kNotTurned, 0, 3, 7, 1, 9, 1, 9,
-                                                                255, 0, 0, &size[0], &size[1], 0);
+        float* pixels = swapped
+                            ? TheLibrary().GetRotProjection(volume.Get(), kNotTurned, RenderModeMaximum, 7, 3,
+                                                            9, 1, 9, 1, 255, 0, 0, &size[0], &size[1], 0)
+                            : TheLibrary().GetRotProjection(volume.Get(), kNotTurned, RenderModeMaximum, 3, 7,
+                                                            1, 9, 1, 9, 255, 0, 0, &size[0], &size[1], 0);
         ASSERT_NE(pixels, nullptr);
         EXPECT_EQ(pixels[3 * 1], kNoContribution);
         EXPECT_GE(pixels[3 * 2], 0.0f);
@@ -143,8 +144,8 @@ TEST(ProjectionExports, SizeQueriesAndUnknownModesLeaveTheLockAlone) {
     unsigned short size[2] = {};
 
     TheLibrary().GetRotDim(volume.Get(), kNotTurned, 1, 4, 1, 3, 1, 2, &size[0], &size[1], 0);
-    TheLibrary().GetRotProjection(volume.Get(), kNotTurned, 7, 1, 4, 1, 3, 1, 2, 255, 0, 0, &size[0],
-                                  &size[1], 0);
+    TheLibrary().GetRotProjection(volume.Get(), kNotTurned, kUnknownModes[0], 1, 4, 1, 3, 1, 2, 255, 0, 0,
+                                  &size[0], &size[1], 0);
 
     EXPECT_EQ(volume->sliceRows, slices);
     EXPECT_EQ(slices[1], volume->slices[1]->rows);

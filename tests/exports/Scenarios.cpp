@@ -1,6 +1,7 @@
 #include "exports/Scenarios.h"
 
 #include "exports/ExportedVolume.h"
+#include "support/RenderModes.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +10,8 @@
 
 namespace z3d::test {
 namespace {
+
+constexpr int kModeCount = kRenderModeCount;
 
 void MakeAndFreeAnImage(ForeignHost& host, Findings& findings) {
     auto* image = host.CallForPointer<Image2D>("GlobalAlloc2D", 0x10005, 3, 4);
@@ -57,16 +60,17 @@ void Render(ForeignHost& host, Findings& findings, int mode, unsigned int bytesP
     }
 }
 
-// Mode 3 has two kinds of surface, chosen by the last argument; it is the transparency of mode 4.
+// All modes, and the number before the first and behind the last one. The last argument chooses between two kinds of
+// surface, and is the transparency of a blend.
 void RenderGrey(ForeignHost& host, Findings& findings) {
-    for (int mode = -1; mode <= 7; ++mode) {
+    for (int mode = -1; mode <= kModeCount; ++mode) {
         Render(host, findings, mode, 1, 255, 0, 0);
         Render(host, findings, mode, 1, 180.5f, 20, 0.7f);
     }
 }
 
 void RenderColour(ForeignHost& host, Findings& findings) {
-    for (int mode = -1; mode <= 7; ++mode) {
+    for (int mode = -1; mode <= kModeCount; ++mode) {
         Render(host, findings, mode, 3, 765, 0, 0);
         Render(host, findings, mode, 3, 600, 100.25f, 0.7f);
     }
@@ -75,7 +79,7 @@ void RenderColour(ForeignHost& host, Findings& findings) {
 // Numbers that raise flags wherever they are touched.
 void RenderWithHardNumbers(ForeignHost& host, Findings& findings) {
     using Float = std::numeric_limits<float>;
-    for (int mode = 0; mode <= 6; ++mode) {
+    for (const RenderMode mode : kRenderModes) {
         for (const float extra : {Float::denorm_min(), Float::infinity(), Float::signaling_NaN()}) {
             Render(host, findings, mode, 1, Float::infinity(), -Float::infinity(), extra);
             Render(host, findings, mode, 1, Float::signaling_NaN(), 0, extra);

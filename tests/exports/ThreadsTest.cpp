@@ -1,6 +1,7 @@
 // Calls on different objects at the same time.
 #include "exports/ExportedVolume.h"
 #include "exports/Library.h"
+#include "support/RenderModes.h"
 
 #include <gtest/gtest.h>
 
@@ -19,7 +20,7 @@ std::vector<unsigned char> RenderEverything() {
     std::vector<unsigned char> bytes;
     for (const unsigned int bytesPerVoxel : {1u, 3u}) {
         const ExportedVolume volume(13, 11, 9, bytesPerVoxel);
-        for (short mode = 0; mode <= 6; ++mode) {
+        for (const RenderMode mode : kRenderModes) {
             unsigned short size[2] = {};
             float* pixels = TheLibrary().GetRotProjection(volume.Get(), kOblique, mode, 1, 13, 1, 11, 1, 9,
                                                           500, 20, 0.5f, &size[0], &size[1], 0);

@@ -2,6 +2,8 @@
 
 #include "reference/ReferenceModes.h"
 
+#include "Zentra3DRendering.h"
+
 #include <bit>
 
 namespace z3d::reference {
@@ -20,19 +22,19 @@ Kernel SelectSurface(bool colour, float extra) {
 // Null for an unknown mode.
 Kernel SelectKernel(int mode, bool colour, float extra) {
     switch (mode) {
-    case 0:
+    case RenderModeMaximum:
         return colour ? MaxProjectionRgb : MaxProjectionGrey;
-    case 1:
+    case RenderModeMinimum:
         return colour ? MinProjectionRgb : MinProjectionGrey;
-    case 2:
+    case RenderModeSum:
         return colour ? SumProjectionRgb : SumProjectionGrey;
-    case 3:
+    case RenderModeSurface:
         return SelectSurface(colour, extra);
-    case 4:
+    case RenderModeBlend:
         return colour ? TranslucentBlendRgb : TranslucentBlendGrey;
-    case 5:
+    case RenderModeContrast:
         return colour ? ContrastProjectionRgb : ContrastProjectionGrey;
-    case 6:
+    case RenderModeFirstHit:
         return colour ? FirstHitRgb : FirstHitGrey;
     default:
         return nullptr;

@@ -22,12 +22,13 @@ struct Volume {
 struct Request {
     // Row-major; row r is view axis r in volume axes.
     std::array<float, 9> rotation;
+    // A RenderMode, or any other number that a host may pass.
     std::int16_t mode;
     // Crop box in voxels, 1-based, both ends inclusive.
     std::int16_t x0, x1, y0, y1, z0, z1;
     float high;
     float low;
-    // The bits of a float: attenuation of mode 3, transparency of mode 4.
+    // The bits of a float: attenuation of layered surfaces, transparency of blends.
     std::uint32_t extraBits;
 };
 

@@ -13,7 +13,7 @@ constexpr float kToInitialGrey = 0x1.fdfffcp127f;
 constexpr float kToInitialColour = 0x1.fdfffep127f;
 
 reference::Request Blend(const reference::Volume& volume, float transparency) {
-    return WithExtra(PlainRequest(volume, 4), transparency);
+    return WithExtra(PlainRequest(volume, RenderModeBlend), transparency);
 }
 
 TEST_P(RenderExamples, BlendOfOneSampleIsTheValueTimesItsWeight) {

@@ -58,7 +58,8 @@ TEST_P(BlendWeights, ThatLeadToTheInitialValue) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Blends, BlendWeights,
-                         ::testing::Values(KernelCase{"BlendGrey", 4, 0, 1}, KernelCase{"BlendRgb", 4, 0, 3}),
+                         ::testing::Values(KernelCase{"BlendGrey", RenderModeBlend, 0, 1},
+                                           KernelCase{"BlendRgb", RenderModeBlend, 0, 3}),
                          ::testing::PrintToStringParamName());
 
 } // namespace

@@ -10,7 +10,7 @@ using namespace z3d::test;
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 reference::Request Contrast(const reference::Volume& volume, float low, float high) {
-    return WithWindow(PlainRequest(volume, 5), low, high);
+    return WithWindow(PlainRequest(volume, RenderModeContrast), low, high);
 }
 
 // A picture of 3 x 3, of which only the middle is rendered.

@@ -6,6 +6,7 @@
 #include "support/ProceduralVolumes.h"
 #include "support/ProductRenderer.h"
 #include "support/RandomRequests.h"
+#include "support/RenderModes.h"
 #include "support/SameBits.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ constexpr int kVolumesPerCase = 60;
 constexpr int kRequestsPerVolume = 8;
 
 // Mode, bytes per voxel and instruction set.
-class Differential : public ::testing::TestWithParam<std::tuple<int, int, render::InstructionSet>> {
+class Differential : public ::testing::TestWithParam<std::tuple<RenderMode, int, render::InstructionSet>> {
 protected:
     void SetUp() override {
         const render::InstructionSet set = std::get<2>(GetParam());
@@ -31,7 +32,7 @@ protected:
     }
     void TearDown() override { render::ForceInstructionSet(render::BestInstructionSet()); }
 
-    static int Mode() { return std::get<0>(GetParam()); }
+    static RenderMode Mode() { return std::get<0>(GetParam()); }
     static int BytesPerVoxel() { return std::get<1>(GetParam()); }
 
     static void Compare(const reference::Volume& volume, RandomSource& random, int requests) {
@@ -157,7 +158,7 @@ TEST_P(Differential, WhiteVolumesOfManyStretches) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllModes, Differential,
-                         ::testing::Combine(::testing::Range(0, 7), ::testing::Values(1, 2, 3, 4),
+                         ::testing::Combine(::testing::ValuesIn(kRenderModes), ::testing::Values(1, 2, 3, 4),
                                             ::testing::ValuesIn(render::kInstructionSets)));
 
 } // namespace

@@ -64,7 +64,7 @@ TEST(Generators, UnusableRotationsAreRefused) {
     const reference::Volume volume = EmptyVolume({2, 2, 2});
 
     for (int i = 0; i < 100; ++i) {
-        const reference::Request request = PlainRequest(volume, 0, UnusableRotation(random));
+        const reference::Request request = PlainRequest(volume, RenderModeMaximum, UnusableRotation(random));
         EXPECT_EQ(reference::Render(volume, request).width, 0) << Describe(request);
     }
 }

@@ -130,7 +130,7 @@ TEST(GoldenRows, ReachEveryKernel) {
     std::map<std::tuple<int, bool, bool>, int> rows;
     for (const GoldenRow& row : AllRows()) {
         const float extra = std::bit_cast<float>(row.extra);
-        const bool isLayered = row.mode == 3 && (extra < 0 || extra > 0);
+        const bool isLayered = row.mode == RenderModeSurface && (extra < 0 || extra > 0);
         ++rows[{row.mode, isLayered, row.size.bytesPerVoxel == 3}];
     }
 
@@ -164,10 +164,10 @@ TEST(GoldenRows, DISABLED_AreWrittenAnew) {
     std::FILE* file = std::fopen(path, "w");
     ASSERT_NE(file, nullptr) << path;
 
-    std::fputs(
-        "// mode, volume, {width, height, depth, bytes per voxel}, detail, rotation, crop, high, low,\n"
-        "// extra, width and height of the picture, digest\n",
-        file);
+    std::fputs("// number of the mode, volume, {width, height, depth, bytes per voxel}, detail, rotation, "
+               "crop, high, low,\n"
+               "// extra, width and height of the picture, digest\n",
+               file);
     for (const GoldenRow& row : AllRows()) {
         std::fputs(Text(row, reference::Render(VolumeOf(row), RequestOf(row))).c_str(), file);
     }

@@ -12,12 +12,22 @@ namespace z3d::test {
 std::ostream& operator<<(std::ostream& out, const KernelCase& kernel) { return out << kernel.name; }
 
 std::vector<KernelCase> AllKernels() {
-    return {{"MaxGrey", 0, 0, 1},      {"MinGrey", 1, 0, 1},       {"SumGrey", 2, 0, 1},
-            {"SurfaceGrey", 3, 0, 1},  {"LayersGrey", 3, 0.5f, 1}, {"BlendGrey", 4, 0.5f, 1},
-            {"ContrastGrey", 5, 0, 1}, {"FirstHitGrey", 6, 0, 1},  {"MaxRgb", 0, 0, 3},
-            {"MinRgb", 1, 0, 3},       {"SumRgb", 2, 0, 3},        {"SurfaceRgb", 3, 0, 3},
-            {"LayersRgb", 3, 0.5f, 3}, {"BlendRgb", 4, 0.5f, 3},   {"ContrastRgb", 5, 0, 3},
-            {"FirstHitRgb", 6, 0, 3}};
+    return {{"MaxGrey", RenderModeMaximum, 0, 1},
+            {"MinGrey", RenderModeMinimum, 0, 1},
+            {"SumGrey", RenderModeSum, 0, 1},
+            {"SurfaceGrey", RenderModeSurface, 0, 1},
+            {"LayersGrey", RenderModeSurface, 0.5f, 1},
+            {"BlendGrey", RenderModeBlend, 0.5f, 1},
+            {"ContrastGrey", RenderModeContrast, 0, 1},
+            {"FirstHitGrey", RenderModeFirstHit, 0, 1},
+            {"MaxRgb", RenderModeMaximum, 0, 3},
+            {"MinRgb", RenderModeMinimum, 0, 3},
+            {"SumRgb", RenderModeSum, 0, 3},
+            {"SurfaceRgb", RenderModeSurface, 0, 3},
+            {"LayersRgb", RenderModeSurface, 0.5f, 3},
+            {"BlendRgb", RenderModeBlend, 0.5f, 3},
+            {"ContrastRgb", RenderModeContrast, 0, 3},
+            {"FirstHitRgb", RenderModeFirstHit, 0, 3}};
 }
 
 ::testing::AssertionResult ComparedVolume::IsRenderedAlike(const reference::Request& request) const {

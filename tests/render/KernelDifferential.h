@@ -17,7 +17,7 @@ namespace z3d::test {
 
 struct KernelCase {
     const char* name;
-    int mode;
+    RenderMode mode;
     float extra;
     int bytesPerVoxel;
 };

@@ -43,8 +43,8 @@ TEST_P(NeighbourTies, AlongZ) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Contrasts, NeighbourTies,
-                         ::testing::Values(KernelCase{"ContrastGrey", 5, 0, 1},
-                                           KernelCase{"ContrastRgb", 5, 0, 3}),
+                         ::testing::Values(KernelCase{"ContrastGrey", RenderModeContrast, 0, 1},
+                                           KernelCase{"ContrastRgb", RenderModeContrast, 0, 3}),
                          ::testing::PrintToStringParamName());
 
 } // namespace

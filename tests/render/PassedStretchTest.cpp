@@ -45,8 +45,8 @@ TEST_P(PassedStretches, BetweenTwoVoxelsOfARay) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Kernels, PassedStretches,
-                         ::testing::Values(KernelCase{"LayersGrey", 3, 0.5f, 1},
-                                           KernelCase{"LayersRgb", 3, 0.5f, 3}),
+                         ::testing::Values(KernelCase{"LayersGrey", RenderModeSurface, 0.5f, 1},
+                                           KernelCase{"LayersRgb", RenderModeSurface, 0.5f, 3}),
                          ::testing::PrintToStringParamName());
 
 } // namespace

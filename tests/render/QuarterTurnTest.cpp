@@ -1,6 +1,7 @@
 // Turning the view by quarters, or mirroring it, shows the volume with its axes exchanged: exactly, in every
 // mode, because all coordinates are then whole or half numbers.
 #include "render/RenderExamples.h"
+#include "support/RenderModes.h"
 
 #include <algorithm>
 
@@ -63,7 +64,7 @@ void ExpectEqualViews(reference::Projection (*render)(const reference::Volume&, 
     reference::Volume volume = NoiseVolume({5, 4, 6, bytesPerVoxel}, 7);
     for (const Turn& turn : AllTurns()) {
         const reference::Volume turned = Turned(volume, turn);
-        for (int mode = 0; mode <= 6; ++mode) {
+        for (const RenderMode mode : kRenderModes) {
             for (const float extra : {0.0f, 0.5f}) {
                 const reference::Request request =
                     WithExtra(WithWindow(PlainRequest(volume, mode, RotationOf(turn)), 60, 500), extra);

@@ -13,7 +13,7 @@ TEST(ReferenceRenderer, SizesAreNotCutTo16Bits) {
     const reference::Volume volume = GreyVolume(2, 1, 1, {1, 2});
 
     const reference::Projection projection =
-        reference::Render(volume, PlainRequest(volume, 0, {70000, 0, 0, 0, 1, 0, 0, 0, 1}));
+        reference::Render(volume, PlainRequest(volume, RenderModeMaximum, {70000, 0, 0, 0, 1, 0, 0, 0, 1}));
 
     EXPECT_EQ(projection.width, 70001);
     EXPECT_EQ(projection.pixels.size(), 70001u * 3u);

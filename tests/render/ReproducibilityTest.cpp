@@ -2,6 +2,7 @@
 // was measured once and has to come out everywhere. A change of a generator changes the figures too.
 #include "render/RenderExamples.h"
 #include "support/Digest.h"
+#include "support/RenderModes.h"
 
 namespace {
 
@@ -21,8 +22,8 @@ void AddRequest(Digest& digest, const reference::Request& request) {
     digest.Add(request.extraBits);
 }
 
-std::uint64_t DigestOfRenders(int mode, int bytesPerVoxel) {
-    RandomSource random(static_cast<std::uint32_t>(100 * mode + bytesPerVoxel));
+std::uint64_t DigestOfRenders(RenderMode mode, int bytesPerVoxel) {
+    RandomSource random(static_cast<std::uint32_t>(100 * int{mode} + bytesPerVoxel));
     Digest digest;
     for (int i = 0; i < 60; ++i) {
         const VolumeSize size = RandomSize(random, 14, bytesPerVoxel);
@@ -43,8 +44,8 @@ TEST(Reproducibility, RequestsHaveTheSameBitsEverywhere) {
     RandomSource random(1);
     const reference::Volume volume = EmptyVolume({9, 8, 7});
     Digest digest;
-    for (int i = 0; i < 2000; ++i) {
-        AddRequest(digest, RandomRequest(random, volume, i % 7));
+    for (std::size_t i = 0; i < 2000; ++i) {
+        AddRequest(digest, RandomRequest(random, volume, kRenderModes[i % kRenderModeCount]));
     }
 
     EXPECT_EQ(digest.Value(), 0xBFDB2AEBC81ECABDu);
@@ -64,7 +65,7 @@ TEST(Reproducibility, VolumesHaveTheSameBytesEverywhere) {
 }
 
 TEST(Reproducibility, ReferencePicturesHaveTheSameBitsEverywhere) {
-    static constexpr std::array<std::array<std::uint64_t, 2>, 7> kDigests = {
+    static constexpr std::array<std::array<std::uint64_t, 2>, kRenderModeCount> kDigests = {
         {{0xAD17E37B41E00B0Du, 0x01DECB5A8647B13Eu},
          {0x4CFBA9886ABCF374u, 0x0DB3C2E42C9CD28Eu},
          {0x7F7C9B12FBDA9BFDu, 0x2A1AF3D614510DE8u},
@@ -72,7 +73,7 @@ TEST(Reproducibility, ReferencePicturesHaveTheSameBitsEverywhere) {
          {0x2D0A060514E587D7u, 0x0AC8E09E6EFB58BEu},
          {0x5721252701BA8936u, 0x2AE6728888D785AAu},
          {0xB6409E015DBCADB4u, 0x0182CF446BF54127u}}};
-    for (int mode = 0; mode <= 6; ++mode) {
+    for (const RenderMode mode : kRenderModes) {
         const auto& expected = kDigests[static_cast<std::size_t>(mode)];
 
         EXPECT_EQ(DigestOfRenders(mode, 1), expected[0]) << "mode " << mode;

@@ -7,6 +7,7 @@
 #include "support/HostVolume.h"
 #include "support/ProductRenderer.h"
 #include "support/Refusals.h"
+#include "support/RenderModes.h"
 
 #include <gtest/gtest.h>
 
@@ -30,13 +31,13 @@ struct Size {
 };
 
 float* Render(::Volume3D* volume, Size& size, const float* rotation = kIdentityRotation,
-              std::int16_t mode = 0) {
+              std::int16_t mode = RenderModeMaximum) {
     return render::GetRotProjection(volume, rotation, mode, kWhole, kEverything, &size.width, &size.height,
                                     0);
 }
 
 void ExpectRefused(::Volume3D* volume, const float* rotation, Size expected) {
-    for (std::int16_t mode = 0; mode < 7; ++mode) {
+    for (const RenderMode mode : kRenderModes) {
         Size size;
         EXPECT_EQ(Render(volume, size, rotation, mode), nullptr) << "mode " << mode;
         EXPECT_EQ(size.width, expected.width);
@@ -46,9 +47,9 @@ void ExpectRefused(::Volume3D* volume, const float* rotation, Size expected) {
 
 TEST(RotProjection, StoresTheSizeAndReturnsNullForUnknownModes) {
     const HostVolume volume(4, 3, 2, 1);
-    for (const int mode : {-32768, -1, 7, 8, 32767}) {
+    for (const short mode : kUnknownModes) {
         Size size;
-        EXPECT_EQ(Render(volume.Get(), size, kIdentityRotation, static_cast<std::int16_t>(mode)), nullptr);
+        EXPECT_EQ(Render(volume.Get(), size, kIdentityRotation, mode), nullptr);
         EXPECT_EQ(size.width, 4);
         EXPECT_EQ(size.height, 3);
     }
@@ -59,7 +60,7 @@ TEST(RotProjection, LeavesTheLockStateAloneForUnknownModesAndSizes) {
     frame::GlobalLock3D(volume.Get());
 
     Size size;
-    Render(volume.Get(), size, kIdentityRotation, 7);
+    Render(volume.Get(), size, kIdentityRotation, kUnknownModes[0]);
     render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, &size.width, &size.height, 0);
 
     EXPECT_NE(volume->sliceRows, nullptr);
@@ -96,11 +97,11 @@ TEST(RotProjection, RefusesANullSizePointerButStoresTheOther) {
     const HostVolume volume(4, 3, 2, 1);
     Size size;
 
-    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, 0, kWhole, kEverything, nullptr,
-                                       &size.height, 0),
+    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, RenderModeMaximum, kWhole,
+                                       kEverything, nullptr, &size.height, 0),
               nullptr);
-    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, 0, kWhole, kEverything, &size.width,
-                                       nullptr, 0),
+    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, RenderModeMaximum, kWhole,
+                                       kEverything, &size.width, nullptr, 0),
               nullptr);
 
     EXPECT_EQ(size.width, 4);
@@ -222,7 +223,7 @@ TEST(RotProjection, RefusesARowTableThatAFailedLockLeftUnfilled) {
 // Tables that only speed a rendering up may be refused without harm.
 TEST(RotProjection, EndsInNullOrInTheSameImageWhateverIsRefused) {
     for (const std::uint32_t bytesPerVoxel : {1u, 3u}) {
-        for (std::int16_t mode = 0; mode < 7; ++mode) {
+        for (const RenderMode mode : kRenderModes) {
             const HostVolume volume(9, 8, 7, bytesPerVoxel);
             std::vector<float> expected;
             ForEveryRefusal([&](bool refused) {
@@ -270,9 +271,9 @@ TEST(RotProjection, LeaksNothingOverManyRounds) {
     const HostVolume volume(4, 3, 2, 1);
     const std::int64_t before = OutstandingInTotal();
 
-    for (int round = 0; round < 100'000; ++round) {
+    for (std::size_t round = 0; round < 100'000; ++round) {
         Size size;
-        FreeProjection(Render(volume.Get(), size, kIdentityRotation, static_cast<std::int16_t>(round % 7)));
+        FreeProjection(Render(volume.Get(), size, kIdentityRotation, kRenderModes[round % kRenderModeCount]));
     }
 
     EXPECT_EQ(OutstandingInTotal(), before);

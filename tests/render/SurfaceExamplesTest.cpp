@@ -13,7 +13,7 @@ constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr Rotation kQuarterAboutY = {0, 0, 1, 0, 1, 0, -1, 0, 0};
 
 reference::Request Surface(const reference::Volume& volume, float low, float high, float extra = 0.0f) {
-    return WithExtra(WithWindow(PlainRequest(volume, 3), low, high), extra);
+    return WithExtra(WithWindow(PlainRequest(volume, RenderModeSurface), low, high), extra);
 }
 
 std::vector<float> AllPixels(std::size_t count, float value) { return std::vector<float>(count, value); }
