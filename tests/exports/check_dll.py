@@ -1,11 +1,13 @@
 #!/usr/bin/env python3
 """Checks what a loader, a linker and an administrator see of the built DLL.
 
-Usage: check_dll.py DLL DEFINITION VERSION MAX_BYTES
-Prints one line per complaint and fails when there is any.
+Usage: check_dll.py DLL DEFINITION VERSION MAX_BYTES SYMBOLS NM
+Prints one line per complaint and fails when there is any. Where the DLL has more than MAX_BYTES, also its largest
+symbols: those that NM finds in SYMBOLS, the file that they were split off to.
 """
 
 import re
+import subprocess
 import sys
 
 from pefile import (DLL_CHARACTERISTICS, IMAGE_CHARACTERISTICS, MACHINE_TYPE, OPTIONAL_HEADER_MAGIC_PE, PE,
@@ -119,8 +121,16 @@ def check_runtime(data):
 
 
 def check_size(data, max_bytes):
-    if len(data) >= max_bytes:
-        yield f"{len(data)} bytes, to be below {max_bytes}"
+    if len(data) > max_bytes:
+        yield f"{len(data)} bytes, {len(data) - max_bytes} more than its budget of {max_bytes}"
+
+
+def largest_symbols(nm, symbols, count):
+    """Code and data as (bytes, name), the largest first; a size is the distance to the next symbol."""
+    lines = subprocess.run([nm, "--demangle", "--print-size", "--size-sort", "--radix=d", symbols], check=True,
+                           capture_output=True, encoding="utf-8").stdout.splitlines()
+    fields = [line.split(maxsplit=3) for line in reversed(lines)]
+    return [(int(size), name) for _, size, kind, name in fields if kind in "tTrRdD"][:count]
 
 
 def complaints(data, definition, version, max_bytes):
@@ -131,13 +141,16 @@ def complaints(data, definition, version, max_bytes):
 
 
 def main():
-    dll, definition, version, max_bytes = sys.argv[1:]
+    dll, definition, version, max_bytes, symbols, nm = sys.argv[1:]
     with open(dll, "rb") as file:
         data = file.read()
     with open(definition, encoding="ascii") as file:
         found = complaints(data, file.read(), version, int(max_bytes))
     for complaint in found:
         print(f"{dll}: {complaint}")
+    if len(data) > int(max_bytes):
+        for size, name in largest_symbols(nm, symbols, 25):
+            print(f"{size:8} {name}")
     if not found:
         print(f"{dll}: {len(data)} bytes, {len(export_names(PE(data=data)))} exports, nothing to complain about")
     return 1 if found else 0

@@ -1,16 +1,16 @@
 #!/usr/bin/env python3
 """check_dll.py complains about a DLL that was tampered with, once per fault.
 
-Usage: check_dll_test.py DLL DEFINITION VERSION
+Usage: check_dll_test.py DLL DEFINITION VERSION SYMBOLS NM
 """
 
 import sys
 import unittest
 
-from check_dll import complaints, export_names
+from check_dll import complaints, export_names, largest_symbols
 from pefile import DIRECTORY_ENTRY, PE
 
-DLL, DEFINITION, VERSION = "", "", ""
+DLL, DEFINITION, VERSION, SYMBOLS, NM = "", "", "", "", ""
 
 
 class CheckDll(unittest.TestCase):
@@ -86,7 +86,15 @@ class CheckDll(unittest.TestCase):
         self.expect_one("'bad_alloc'")
 
     def test_size(self):
-        self.expect_one("to be below", max_bytes=len(DLL))
+        self.assertEqual(self.complaints(max_bytes=len(DLL)), [])
+        self.expect_one("1 more than its budget", max_bytes=len(DLL) - 1)
+
+    def test_largest_symbols(self):
+        symbols = largest_symbols(NM, SYMBOLS, 30)
+        self.assertEqual(len(symbols), 30)
+        self.assertEqual(symbols, sorted(symbols, key=lambda symbol: -symbol[0]))
+        self.assertLess(sum(size for size, _ in symbols), len(DLL))
+        self.assertTrue(any("z3d::render::" in name for _, name in symbols), symbols)
 
     def test_another_machine(self):
         self.pe.FILE_HEADER.Machine = 0x8664
@@ -99,6 +107,8 @@ class CheckDll(unittest.TestCase):
 
 
 if __name__ == "__main__":
+    NM = sys.argv.pop()
+    SYMBOLS = sys.argv.pop()
     VERSION = sys.argv.pop()
     with open(sys.argv.pop(), encoding="ascii") as file:
         DEFINITION = file.read()
