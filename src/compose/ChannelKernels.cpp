@@ -1,6 +1,7 @@
 #include "compose/ChannelKernels.h"
 
 #include "compose/ScratchImage.h"
+#include "primitives/Compose.h"
 #include "primitives/Convert.h"
 #include "primitives/Grey.h"
 #include "primitives/Planes.h"
@@ -8,6 +9,7 @@
 #include "primitives/Scale.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 
 namespace z3d::compose {
@@ -22,6 +24,13 @@ constexpr std::int32_t kRunPixels = 1024;
 // How bright pixels are: the mean of the three channels, by weights that add up to 4095 / 4096.
 class Brightness {
 public:
+    // The three weights are the same, 1365 / 4096: the darkest and the brightest pixel are those of the smallest
+    // and the largest sum.
+    void Widen(const primitives::SumRange& sums) {
+        min_ = std::min(min_, (1365 * sums.min) >> 12);
+        max_ = std::max(max_, (1365 * sums.max) >> 12);
+    }
+
     // `grey` is scratch of one byte per pixel.
     void Widen(const std::uint8_t* pixels, std::int32_t count, std::uint8_t* grey) {
         constexpr float kThird = 1.0f / 3.0f;
@@ -75,10 +84,28 @@ private:
     }
 };
 
+bool IsByte(float value) {
+    return value >= 0.0f && value <= 255.0f && value == static_cast<float>(static_cast<std::uint8_t>(value));
+}
+
+// The range of any bytes that are not all the same.
+bool IsOfBytes(const ValueRange& range) {
+    return IsByte(range.min) && IsByte(range.max) && range.min < range.max;
+}
+
 } // namespace
 
 bool ComposeBytes(const Planes<std::uint8_t>& planes, std::uint8_t* pixels, std::size_t count,
                   const ValueRange& range, ValueRange& display) {
+    Brightness brightness;
+    if (IsOfBytes(range)) {
+        brightness.Widen(primitives::Compose8uP3C3(
+            {planes.red, planes.green, planes.blue}, pixels, count,
+            {static_cast<std::uint8_t>(range.min), static_cast<std::uint8_t>(range.max)}));
+        display.Widen(brightness.Sums());
+        return true;
+    }
+
     std::int32_t step = 0;
     const auto zeroes = ZeroSamples(kRunPixels, primitives::ImageMalloc8uC1(kRunPixels, 1, &step));
     const ScratchImage<std::uint8_t> interleaved(primitives::ImageMalloc8uC3(kRunPixels, 1, &step));
@@ -86,7 +113,6 @@ bool ComposeBytes(const Planes<std::uint8_t>& planes, std::uint8_t* pixels, std:
     const auto values = ZeroSamples(3 * kRunPixels, primitives::ImageMalloc32fC3(kRunPixels, 1, &step));
     if (!zeroes || !interleaved || !values) return false;
 
-    Brightness brightness;
     ForEachRun(count, [&](std::size_t first, std::int32_t run) {
         const PlaneRun from(planes, first, zeroes.get());
         std::uint8_t* to = pixels + 3 * first;
@@ -102,13 +128,20 @@ bool ComposeBytes(const Planes<std::uint8_t>& planes, std::uint8_t* pixels, std:
 
 bool ComposeFloats(const Planes<float>& planes, std::uint8_t* pixels, std::size_t count,
                    const ValueRange& range, ValueRange& display) {
+    Brightness brightness;
+    if (range.min < range.max && std::isfinite(range.min) && std::isfinite(range.max)) {
+        brightness.Widen(primitives::Compose32f8uP3C3({planes.red, planes.green, planes.blue}, pixels, count,
+                                                      range.min, range.max));
+        display.Widen(brightness.Sums());
+        return true;
+    }
+
     std::int32_t step = 0;
     const auto zeroes = ZeroSamples(kRunPixels, primitives::ImageMalloc32fC1(kRunPixels, 1, &step));
     const ScratchImage<float> interleaved(primitives::ImageMalloc32fC3(kRunPixels, 1, &step));
     const ScratchImage<std::uint8_t> grey(primitives::ImageMalloc8uC1(kRunPixels, 1, &step));
     if (!zeroes || !interleaved || !grey) return false;
 
-    Brightness brightness;
     ForEachRun(count, [&](std::size_t first, std::int32_t run) {
         const PlaneRun from(planes, first, zeroes.get());
         std::uint8_t* to = pixels + 3 * first;

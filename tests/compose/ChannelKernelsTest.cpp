@@ -1,12 +1,15 @@
 #include "compose/ChannelKernels.h"
 
 #include "reference/PlainPipeline.h"
+#include "reference/PlainPrimitives.h"
+#include "support/OnEachInstructionSet.h"
 #include "support/RandomSource.h"
 #include "support/Refusals.h"
 #include "support/Stacks.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <limits>
 #include <optional>
@@ -141,6 +144,34 @@ TEST(ChannelKernels, OnlyEverWidenTheDisplayRange) {
     EXPECT_EQ(display.max, 700);
 }
 
+// The shades of grey of all 2^24 colours depend on the sum of their channels alone, and so does the display range.
+TEST(ChannelKernels, MeasureEveryColourByItsSum) {
+    int greyOfSum[766];
+    for (int sum = 0; sum <= 765; ++sum) {
+        const auto third = [&](int from) {
+            return static_cast<std::uint8_t>(std::clamp(sum - from, 0, 255));
+        };
+        ValueRange display;
+        Composed({Bytes{third(0)}, Bytes{third(255)}, Bytes{third(510)}}, 1, {255, 0}, display);
+        greyOfSum[sum] = static_cast<int>(display.min) / 3;
+        ASSERT_EQ(display.max, static_cast<float>(3 * (greyOfSum[sum] + 1)));
+    }
+
+    const float kThirds[3] = {1.0f / 3.0f, 1.0f / 3.0f, 1.0f / 3.0f};
+    Bytes colours(3 * 65536);
+    Bytes grey(65536);
+    for (std::size_t red = 0; red < 256; ++red) {
+        for (std::size_t rest = 0; rest < 65536; ++rest) {
+            colours[3 * rest] = static_cast<std::uint8_t>(red);
+            colours[3 * rest + 1] = static_cast<std::uint8_t>(rest >> 8);
+            colours[3 * rest + 2] = static_cast<std::uint8_t>(rest);
+        }
+        reference::ColorToGray8uC3C1(colours.data(), 3 * 65536, grey.data(), 65536, 65536, 1, kThirds);
+        for (std::size_t rest = 0; rest < 65536; ++rest)
+            ASSERT_EQ(grey[rest], greyOfSum[red + (rest >> 8) + (rest & 255)]) << red << ", " << rest;
+    }
+}
+
 TEST(ChannelKernels, FailWithoutScratch) {
     const Bytes plane = {1, 2, 3};
     const Floats floats = {1, 2, 3};
@@ -148,16 +179,27 @@ TEST(ChannelKernels, FailWithoutScratch) {
         Bytes pixels(9);
         ValueRange display;
         const bool composed =
-            compose::ComposeBytes({plane.data(), nullptr, nullptr}, pixels.data(), 3, {3, 1}, display);
+            compose::ComposeBytes({plane.data(), nullptr, nullptr}, pixels.data(), 3, {3, 1.5f}, display);
         EXPECT_EQ(composed, !refused);
     });
     ForEveryRefusal([&](bool refused) {
         Bytes pixels(9);
         ValueRange display;
-        const bool composed =
-            compose::ComposeFloats({floats.data(), nullptr, nullptr}, pixels.data(), 3, {3, 1}, display);
+        const bool composed = compose::ComposeFloats({floats.data(), nullptr, nullptr}, pixels.data(), 3,
+                                                     {kInfinity, 1}, display);
         EXPECT_EQ(composed, !refused);
     });
+}
+
+TEST(ChannelKernels, TakeNoScratchForTheRangesOfOrdinarySamples) {
+    const Bytes plane = {1, 2, 3};
+    const Floats floats = {1, 2, 3};
+    Bytes pixels(9);
+    ValueRange display;
+    RefuseFrom(0);
+    EXPECT_TRUE(compose::ComposeBytes({plane.data(), nullptr, nullptr}, pixels.data(), 3, {3, 1}, display));
+    EXPECT_TRUE(compose::ComposeFloats({floats.data(), nullptr, nullptr}, pixels.data(), 3, {3, 1}, display));
+    RefuseNothing();
 }
 
 // Widths of no, one, two and three runs of the product's scratch.
@@ -166,6 +208,10 @@ int RandomCount(RandomSource& random) { return random.Between(1, random.Chance(4
 ValueRange RandomRange(RandomSource& random) {
     constexpr ValueRange kSpecial[] = {{255, 0}, {}, {7, 7}, {3, 9}, {kInfinity, 0}, {0, -kInfinity}};
     if (random.Chance(3)) return kSpecial[random.Below(6)];
+    if (random.Chance(3)) {
+        const int low = random.Below(255);
+        return {static_cast<float>(random.Between(low + 1, 255)), static_cast<float>(low)};
+    }
     const float low = static_cast<float>(random.Within(-50, 200));
     return {low + static_cast<float>(random.Within(0, 300)), low};
 }
@@ -213,7 +259,10 @@ Channels<Sample> RandomChannels(RandomSource& random, int count, MakeSample make
     return channels;
 }
 
-TEST(ChannelKernels, AreThePlainFormForBytes) {
+class ChannelKernelsOnEachSet : public OnEachInstructionSet {};
+Z3D_ON_EACH_INSTRUCTION_SET(ChannelKernelsOnEachSet);
+
+TEST_P(ChannelKernelsOnEachSet, AreThePlainFormForBytes) {
     for (std::uint32_t seed = 1; seed <= 400; ++seed) {
         RandomSource random(seed);
         const int count = RandomCount(random);
@@ -224,7 +273,7 @@ TEST(ChannelKernels, AreThePlainFormForBytes) {
     }
 }
 
-TEST(ChannelKernels, AreThePlainFormForFloats) {
+TEST_P(ChannelKernelsOnEachSet, AreThePlainFormForFloats) {
     constexpr float kSpecial[] = {kNaN, kInfinity, -kInfinity, 0.0f, -0.0f, 7.0f};
     for (std::uint32_t seed = 1; seed <= 400; ++seed) {
         RandomSource random(seed);

@@ -2,7 +2,7 @@
 """Checks that a processor without the newer instructions never meets one.
 
 An inline function that an object for AVX2 defines can be the one that the linker keeps for everybody. So objects
-of an instruction set may define nothing that is visible outside of them but what lies in the namespace of that
+of an instruction set may define nothing that is visible outside of them but what lies in a namespace of that
 set, and all other objects may not contain a newer instruction.
 
 Usage: check_isa_objects.py NM OBJDUMP --baseline OBJECT ... --avx2 OBJECT ... --avx512 OBJECT ...
@@ -14,8 +14,9 @@ import re
 import subprocess
 import sys
 
-# As the linker writes them; each part begins with its length, so that no other name begins alike.
-NAMESPACES = {"avx2": "3z3d6render4avx2", "avx512": "3z3d6render6avx512"}
+# The namespaces of each set, as the linker writes them: each part begins with its length, so that no other name
+# begins alike.
+NAMESPACES = {"avx2": ("3z3d6render4avx2", "3z3d10primitives4avx2"), "avx512": ("3z3d6render6avx512",)}
 
 # A line of a disassembly: address, bytes, mnemonic. A long instruction goes on in a line without mnemonic.
 INSTRUCTION = re.compile(r"^ *[0-9a-f]+:\t((?:[0-9a-f]{2} )+) *\t(\S.*)$")
@@ -34,10 +35,10 @@ def visible_names(listing):
     return [line.split()[0] for line in listing.splitlines() if line and not line.endswith(":")]
 
 
-def is_of_namespace(name, namespace):
-    """Whether a name is that of a function, a variable or something local to a function of the namespace; guard
-    variables, type information and tables are none of these. Windows puts one more underscore before each."""
-    return re.match(rf"_?_ZZ*N[rVK]*[RO]?{namespace}", name) is not None
+def is_of_namespaces(name, namespaces):
+    """Whether a name is that of a function, a variable or something local to a function of one of the namespaces;
+    guard variables, type information and tables are none of these. Windows puts one more underscore before each."""
+    return re.match(rf"_?_ZZ*N[rVK]*[RO]?({'|'.join(namespaces)})", name) is not None
 
 
 def newer_instructions(disassembly):
@@ -53,8 +54,8 @@ def newer_instructions(disassembly):
 
 def symbol_complaints(path, listing, isa):
     for name in visible_names(listing):
-        if not is_of_namespace(name, NAMESPACES[isa]):
-            yield f"{path}: defines {name} outside of z3d::render::{isa}"
+        if not is_of_namespaces(name, NAMESPACES[isa]):
+            yield f"{path}: defines {name} outside of the namespaces {isa}"
 
 
 def instruction_complaints(path, disassembly):

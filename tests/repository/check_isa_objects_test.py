@@ -10,7 +10,7 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from check_isa_objects import complaints, is_of_namespace, newer_instructions
+from check_isa_objects import NAMESPACES, complaints, is_of_namespaces, newer_instructions
 
 COMPILER, NM, OBJDUMP = "", "", ""
 
@@ -72,8 +72,16 @@ class CheckIsaObjects(unittest.TestCase):
                         "namespace z3d::render::avx2 { struct A {}; int F() { return z3d::Call(A()); } }")
 
     def test_a_function_of_the_other_set(self):
-        self.expect_one("outside of z3d::render::avx2",
+        self.expect_one("outside of the namespaces avx2",
                         avx2_extra="namespace z3d::render::avx512 { int Kernel2() { return 1; } }")
+
+    def test_an_inline_function_of_the_primitives(self):
+        self.expect_one("6Shared", avx2_extra=f"namespace z3d::primitives {{ {SHARED} }}"
+                        "namespace z3d::primitives::avx2 { float F(float v) { return Shared(v); } }")
+
+    def test_a_floor_without_instruction_sets(self):
+        self.expect_one("outside of the namespaces avx2",
+                        avx2_extra="namespace z3d::frame::avx2 { int Kernel() { return 1; } }")
 
     def test_a_namespace_that_begins_alike(self):
         self.expect_one("avx2x", avx2_extra="namespace z3d::render::avx2x { int Kernel() { return 1; } }")
@@ -111,14 +119,15 @@ class CheckIsaObjects(unittest.TestCase):
         self.assertEqual(list(complaints(NM, OBJDUMP, [], {})), ["no baseline objects"])
 
     def test_names(self):
-        avx2 = "3z3d6render4avx2"
+        avx2 = NAMESPACES["avx2"]
         for name in ("_ZN3z3d6render4avx28kKernelsE", "__ZN3z3d6render4avx24WalkC2Ev",
                      "_ZNK3z3d6render4avx24Walk4StepEf", "_ZZN3z3d6render4avx21FEvE5table",
-                     "_ZN3z3d6render4avx2plERKNS1_1AES3_"):
-            self.assertTrue(is_of_namespace(name, avx2), name)
+                     "_ZN3z3d6render4avx2plERKNS1_1AES3_", "_ZN3z3d10primitives4avx28kKernelsE"):
+            self.assertTrue(is_of_namespaces(name, avx2), name)
         for name in ("_ZSt4swapIN3z3d6render4avx21AEEvRT_S5_", "_ZGVZN3z3d6render4avx21FEvE1c",
-                     "_ZN3z3d6render5avx2x1FEv", "_ZTVN3z3d6render4avx21AE", "_Z4avx2v", "memcpy"):
-            self.assertFalse(is_of_namespace(name, avx2), name)
+                     "_ZN3z3d6render5avx2x1FEv", "_ZTVN3z3d6render4avx21AE", "_Z4avx2v", "memcpy",
+                     "_ZN3z3d10primitives6ResizeEv", "_ZN3z3d5frame4avx21FEv"):
+            self.assertFalse(is_of_namespaces(name, avx2), name)
 
     def test_lines_of_a_disassembly(self):
         lines = ["   0:\tc5 f8 77             \tvzeroupper",
