@@ -3,6 +3,7 @@
 #pragma once
 
 #include "primitives/Compose.h"
+#include "primitives/ResizeColumns.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -28,6 +29,17 @@ struct KernelTable {
                              std::size_t count, ByteRange range);
     SumRange (*composeFloats)(const ChannelSamples<float> (&channels)[3], std::uint8_t* pixels,
                               std::size_t count, FloatScale scale);
+
+    // The passes of a resize: see ResizePasses.h. Those by groups of columns are null where there is no instruction
+    // for it.
+    void (*blendByteColumns)(const std::uint8_t* row, const ByteColumnGroup* groups,
+                             const ByteColumnWeight* weights, std::int16_t* to, std::size_t count);
+    void (*blendFloatColumns)(const std::uint8_t* row, const FloatColumnGroup* groups,
+                              const double* fractions, double* to, std::size_t count);
+    void (*blendByteRows)(const std::int16_t* upper, const std::int16_t* lower, std::int32_t weight,
+                          std::uint8_t* to, std::size_t count);
+    void (*blendFloatRows)(const double* upper, const double* lower, double weight, std::uint8_t* to,
+                           std::size_t count);
 };
 
 // Those of the instruction set in use.

@@ -4,6 +4,7 @@
 #include "primitives/ResizeAxis.h"
 #include "primitives/ResizePasses.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <utility>
@@ -41,21 +42,57 @@ Status CheckArguments(const void* source, ImageSize sourceSize, std::int32_t sou
 // The table of columns: for each written column the index of its left pixel and its weight. The padding at
 // the end walks on: its pairs lie within the source as all do, and what comes of them is not written.
 template <class Passes>
-struct Columns {
-    std::size_t count;
-    HeapArray<std::int32_t> left;
-    HeapArray<typename Passes::ColumnWeight> weights;
+class Columns {
+public:
+    explicit Columns(std::size_t padded) : count_(padded), left_(padded), weights_(padded) {
+        if (blendGroups_ != nullptr) groups_ = HeapArray<Group>(padded / Group::kColumns);
+    }
 
-    explicit Columns(std::size_t padded) : count(padded), left(padded), weights(padded) {}
+    explicit operator bool() const { return left_ && weights_ && (blendGroups_ == nullptr || groups_); }
 
     void Fill(const Axis& axis) {
         AxisWalk walk(axis);
-        for (std::size_t x = 0; x < count; ++x) {
+        for (std::size_t x = 0; x < count_; ++x) {
             const AxisSample column = walk.NextPair();
-            left[x] = column.lower;
-            weights[x] = Passes::WeightOfColumn(column.fraction);
+            left_[x] = column.lower;
+            weights_[x] = Passes::WeightOfColumn(column.fraction);
+        }
+        if (!FormGroups(axis.sourceLength)) blendGroups_ = nullptr;
+    }
+
+    void Blend(const std::uint8_t* row, typename Passes::Intermediate* to) const {
+        if (blendGroups_ != nullptr) {
+            blendGroups_(row, groups_.Get(), weights_.Get(), to, count_);
+        } else {
+            Passes::Horizontal(row, left_.Get(), weights_.Get(), to, count_);
         }
     }
+
+private:
+    using Group = typename Passes::ColumnGroup;
+
+    // False when the processor cannot, or when the pairs of some group lie too far apart.
+    bool FormGroups(std::int32_t rowLength) {
+        if (blendGroups_ == nullptr || rowLength < Group::kLoaded) return false;
+        for (std::size_t x = 0; x < count_; x += Group::kColumns) {
+            // Nothing beyond the row is read: at its end the load moves to the left.
+            const std::int32_t first = std::min(left_[x], rowLength - Group::kLoaded);
+            std::uint8_t offsets[Group::kColumns];
+            for (std::size_t column = 0; column < Group::kColumns; ++column) {
+                const std::int32_t offset = left_[x + column] - first;
+                if (offset < 0 || offset + 1 >= Group::kLoaded) return false;
+                offsets[column] = static_cast<std::uint8_t>(offset);
+            }
+            groups_[x / Group::kColumns] = Passes::GroupOf(first, offsets);
+        }
+        return true;
+    }
+
+    std::size_t count_;
+    HeapArray<std::int32_t> left_;
+    HeapArray<typename Passes::ColumnWeight> weights_;
+    HeapArray<Group> groups_;
+    decltype(Passes::HorizontalGroups()) blendGroups_ = Passes::HorizontalGroups(); // null: one by one
 };
 
 // A source row after its horizontal pass.
@@ -68,8 +105,7 @@ struct BlendedRow {
 
     void Hold(std::int32_t wanted, const Job& job, const Columns<Passes>& columns) {
         if (row == wanted) return;
-        Passes::Horizontal(RowAt(job.source, job.sourceStep, wanted), columns.left.Get(),
-                           columns.weights.Get(), values.Get(), columns.count);
+        columns.Blend(RowAt(job.source, job.sourceStep, wanted), values.Get());
         row = wanted;
     }
 };
@@ -82,7 +118,7 @@ Status ResizeBilinear(const Job& job) {
     Columns<Passes> columns(padded);
     BlendedRow<Passes> upper(padded);
     BlendedRow<Passes> lower(padded);
-    if (!columns.left || !columns.weights || !upper.values || !lower.values) return StatusMemoryError;
+    if (!columns || !upper.values || !lower.values) return StatusMemoryError;
     columns.Fill(job.columns);
 
     // Blend each destination row from two source rows, the lower one often serving as the next upper one.

@@ -29,27 +29,12 @@ __m128i BlendPairs(__m128i pairs, const BytePasses::ColumnWeight* weights) {
     return _mm_srai_epi32(_mm_add_epi32(sum, _mm_set1_epi32(128)), 8);
 }
 
-// Eight samples as 16-bit values: upper * (1 - w) + lower * w, rounded to whole units.
-__m128i BlendRows(const std::int16_t* upper, const std::int16_t* lower, __m128i weights) {
-    const __m128i u = _mm_loadu_si128(reinterpret_cast<const __m128i*>(upper));
-    const __m128i l = _mm_loadu_si128(reinterpret_cast<const __m128i*>(lower));
-    const __m128i half = _mm_set1_epi32(1 << 19);
-    const __m128i low = _mm_add_epi32(_mm_madd_epi16(_mm_unpacklo_epi16(u, l), weights), half);
-    const __m128i high = _mm_add_epi32(_mm_madd_epi16(_mm_unpackhi_epi16(u, l), weights), half);
-    return _mm_packs_epi32(_mm_srai_epi32(low, 20), _mm_srai_epi32(high, 20));
-}
-
 // Two columns: a + (b - a) * f, rounded to floats.
 __m128d BlendFloatPairs(__m128d pair0, __m128d pair1, __m128d fractions) {
     const __m128d a = _mm_unpacklo_pd(pair0, pair1);
     const __m128d b = _mm_unpackhi_pd(pair0, pair1);
     const __m128d blended = _mm_add_pd(a, _mm_mul_pd(_mm_sub_pd(b, a), fractions));
     return _mm_cvtps_pd(_mm_cvtpd_ps(blended));
-}
-
-// Two samples: lower * f + upper * (1 - f).
-__m128d BlendFloatRows(const double* upper, const double* lower, __m128d weight, __m128d rest) {
-    return _mm_add_pd(_mm_mul_pd(_mm_loadu_pd(lower), weight), _mm_mul_pd(_mm_loadu_pd(upper), rest));
 }
 
 } // namespace
@@ -60,6 +45,32 @@ BytePasses::ColumnWeight BytePasses::WeightOfColumn(double fraction) {
 }
 
 BytePasses::RowWeight BytePasses::WeightOfRow(double fraction) { return IntegerWeight(fraction); }
+
+ByteColumnGroup BytePasses::GroupOf(std::int32_t first,
+                                    const std::uint8_t (&offsets)[ByteColumnGroup::kColumns]) {
+    constexpr std::uint8_t kZero = 0x80;
+    ByteColumnGroup group;
+    group.first = first;
+    std::uint8_t* shuffle = group.shuffle;
+    for (const std::uint8_t offset : offsets) {
+        *shuffle++ = offset;
+        *shuffle++ = kZero;
+        *shuffle++ = static_cast<std::uint8_t>(offset + 1);
+        *shuffle++ = kZero;
+    }
+    return group;
+}
+
+FloatColumnGroup FloatPasses::GroupOf(std::int32_t first,
+                                      const std::uint8_t (&offsets)[FloatColumnGroup::kColumns]) {
+    FloatColumnGroup group;
+    group.first = first;
+    for (int column = 0; column < FloatColumnGroup::kColumns; ++column) {
+        group.permutation[column] = offsets[column];
+        group.permutation[FloatColumnGroup::kColumns + column] = offsets[column] + 1;
+    }
+    return group;
+}
 
 void BytePasses::Horizontal(const std::uint8_t* row, const std::int32_t* left, const ColumnWeight* weights,
                             Intermediate* to, std::size_t count) {
@@ -79,45 +90,12 @@ void BytePasses::Horizontal(const std::uint8_t* row, const std::int32_t* left, c
     }
 }
 
-void BytePasses::Vertical(const Intermediate* upper, const Intermediate* lower, RowWeight weight,
-                          std::uint8_t* to, std::size_t count) {
-    const __m128i weights = _mm_set1_epi32((weight << 16) | (kOne - weight));
-    for (std::size_t x = 0; x < count; x += 16) {
-        const __m128i samples = _mm_packus_epi16(BlendRows(upper + x, lower + x, weights),
-                                                 BlendRows(upper + x + 8, lower + x + 8, weights));
-        if (count - x >= 16) {
-            StoreBytes(to + x, samples);
-        } else {
-            std::uint8_t rest[16];
-            StoreBytes(rest, samples);
-            std::memcpy(to + x, rest, count - x);
-        }
-    }
-}
-
 void FloatPasses::Horizontal(const std::uint8_t* row, const std::int32_t* left, const ColumnWeight* weights,
                              Intermediate* to, std::size_t count) {
     for (std::size_t x = 0; x < count; x += 2, left += 2, weights += 2, to += 2) {
         const __m128d pair0 = FloatPairAt(row, left[0]);
         const __m128d pair1 = FloatPairAt(row, left[1]);
         _mm_storeu_pd(to, BlendFloatPairs(pair0, pair1, _mm_loadu_pd(weights)));
-    }
-}
-
-void FloatPasses::Vertical(const Intermediate* upper, const Intermediate* lower, RowWeight weight,
-                           std::uint8_t* to, std::size_t count) {
-    const __m128d fractions = _mm_set1_pd(weight);
-    const __m128d rests = _mm_set1_pd(1.0 - weight);
-    for (std::size_t x = 0; x < count; x += 4) {
-        const __m128 samples = RoundToFloats(BlendFloatRows(upper + x, lower + x, fractions, rests),
-                                             BlendFloatRows(upper + x + 2, lower + x + 2, fractions, rests));
-        if (count - x >= 4) {
-            StoreFloats(to + 4 * x, samples);
-        } else {
-            float rest[4];
-            _mm_storeu_ps(rest, samples);
-            std::memcpy(to + 4 * x, rest, (count - x) * sizeof(float));
-        }
     }
 }
 

@@ -3,6 +3,8 @@
 
 #include "primitives/Regions.h"
 #include "reference/PlainPrimitives.h"
+#include "support/GuardedBytes.h"
+#include "support/OnEachInstructionSet.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -17,6 +19,9 @@ using namespace z3d;
 using namespace z3d::primitives;
 
 constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+
+class ResizeAgainstPlain : public test::OnEachInstructionSet {};
+Z3D_ON_EACH_INSTRUCTION_SET(ResizeAgainstPlain);
 
 struct Geometry {
     ImageSize from, to;
@@ -92,8 +97,56 @@ void ExpectThePlainFormOverSizePairs() {
             }
 }
 
-TEST(ResizeAgainstPlain, OfBytesOverSizePairs) { ExpectThePlainFormOverSizePairs<std::uint8_t>(); }
-TEST(ResizeAgainstPlain, OfFloatsOverSizePairs) { ExpectThePlainFormOverSizePairs<float>(); }
+TEST_P(ResizeAgainstPlain, OfBytesOverSizePairs) { ExpectThePlainFormOverSizePairs<std::uint8_t>(); }
+TEST_P(ResizeAgainstPlain, OfFloatsOverSizePairs) { ExpectThePlainFormOverSizePairs<float>(); }
+
+// Sources and destinations that end with, or begin with, memory that cannot be accessed: every pair of widths.
+template <class T>
+void ExpectThePlainFormInGuardedMemory(test::GuardedEnd end) {
+    const auto resize = [](auto function, const T* from, ImageSize size, T* to, ImageSize newSize) {
+        const auto step = [](ImageSize image) { return image.width * static_cast<std::int32_t>(sizeof(T)); };
+        return function(from, size, step(size), {1, 1, size.width, size.height}, to, step(newSize), newSize,
+                        static_cast<double>(newSize.width) / size.width,
+                        static_cast<double>(newSize.height) / size.height, 2);
+    };
+    for (std::int32_t from = 2; from <= 70; ++from) {
+        for (std::int32_t to = 1; to <= 70; ++to) {
+            const auto pixels = [](ImageSize size) {
+                return static_cast<std::size_t>(size.width * size.height);
+            };
+            const ImageSize size = {from, 3};
+            const ImageSize newSize = {to, 4};
+            test::Random random(static_cast<std::uint32_t>(100 * from + to));
+            const test::GuardedBytes source(pixels(size) * sizeof(T), end);
+            for (std::size_t i = 0; i < pixels(size); ++i)
+                source.As<T>()[i] = static_cast<T>(random.Between(0, 255));
+            const test::GuardedBytes actual(pixels(newSize) * sizeof(T), end);
+            std::vector<T> expected(pixels(newSize));
+
+            if constexpr (std::is_same_v<T, float>) {
+                resize(reference::Resize32fC1, source.As<T>(), size, expected.data(), newSize);
+                resize(Resize32fC1, source.As<T>(), size, actual.As<T>(), newSize);
+            } else {
+                resize(reference::Resize8uC1, source.As<T>(), size, expected.data(), newSize);
+                resize(Resize8uC1, source.As<T>(), size, actual.As<T>(), newSize);
+            }
+
+            ASSERT_TRUE(test::SameBytes(test::AsBytes(expected),
+                                        {actual.As<std::uint8_t>(), expected.size() * sizeof(T)}))
+                << from << " to " << to;
+        }
+    }
+}
+
+TEST_P(ResizeAgainstPlain, OfBytesBesideForbiddenMemory) {
+    ExpectThePlainFormInGuardedMemory<std::uint8_t>(test::GuardedEnd::First);
+    ExpectThePlainFormInGuardedMemory<std::uint8_t>(test::GuardedEnd::Last);
+}
+
+TEST_P(ResizeAgainstPlain, OfFloatsBesideForbiddenMemory) {
+    ExpectThePlainFormInGuardedMemory<float>(test::GuardedEnd::First);
+    ExpectThePlainFormInGuardedMemory<float>(test::GuardedEnd::Last);
+}
 
 // Rectangles anywhere, up to far larger than the source, and factors that belong to other sizes.
 Geometry AnyGeometry(test::Random& random) {
@@ -133,16 +186,16 @@ void ExpectThePlainFormOverAnyGeometry() {
     }
 }
 
-TEST(ResizeAgainstPlain, OfBytesWithHostileRectanglesAndFactors) {
+TEST_P(ResizeAgainstPlain, OfBytesWithHostileRectanglesAndFactors) {
     ExpectThePlainFormOverAnyGeometry<std::uint8_t>();
 }
 
-TEST(ResizeAgainstPlain, OfFloatsWithHostileRectanglesAndFactors) {
+TEST_P(ResizeAgainstPlain, OfFloatsWithHostileRectanglesAndFactors) {
     ExpectThePlainFormOverAnyGeometry<float>();
 }
 
 // Infinities, and NaNs all of one pattern, which every order of the operands carries on alike.
-TEST(ResizeAgainstPlain, OfFloatsThatAreNotFinite) {
+TEST_P(ResizeAgainstPlain, OfFloatsThatAreNotFinite) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     for (std::uint32_t seed = 1; seed <= 500; ++seed) {
         test::Random random(seed);

@@ -4,8 +4,12 @@ namespace z3d::primitives::Z3D_ISA {
 
 extern const KernelTable kKernels;
 const KernelTable kKernels = {
-    ComposeBytes,
-    ComposeFloats,
+    .composeBytes = ComposeBytes,
+    .composeFloats = ComposeFloats,
+    .blendByteColumns = BlendByteColumns,
+    .blendFloatColumns = BlendFloatColumns,
+    .blendByteRows = BlendByteRows,
+    .blendFloatRows = BlendFloatRows,
 };
 
 } // namespace z3d::primitives::Z3D_ISA

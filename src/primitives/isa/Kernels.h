@@ -11,4 +11,19 @@ SumRange ComposeBytes(const ChannelSamples<std::uint8_t> (&channels)[3], std::ui
 SumRange ComposeFloats(const ChannelSamples<float> (&channels)[3], std::uint8_t* pixels, std::size_t count,
                        FloatScale scale);
 
+void BlendByteRows(const std::int16_t* upper, const std::int16_t* lower, std::int32_t weight,
+                   std::uint8_t* to, std::size_t count);
+void BlendFloatRows(const double* upper, const double* lower, double weight, std::uint8_t* to,
+                    std::size_t count);
+#if defined(__AVX2__)
+void BlendByteColumns(const std::uint8_t* row, const ByteColumnGroup* groups, const ByteColumnWeight* weights,
+                      std::int16_t* to, std::size_t count);
+void BlendFloatColumns(const std::uint8_t* row, const FloatColumnGroup* groups, const double* fractions,
+                       double* to, std::size_t count);
+#else
+// There are no shuffles for it.
+constexpr auto BlendByteColumns = nullptr;
+constexpr auto BlendFloatColumns = nullptr;
+#endif
+
 } // namespace z3d::primitives::Z3D_ISA
