@@ -3,6 +3,7 @@
 #pragma once
 
 #include "primitives/Compose.h"
+#include "primitives/DepthWeights.h"
 #include "primitives/ResizeColumns.h"
 
 #include <cstddef>
@@ -40,6 +41,12 @@ struct KernelTable {
                           std::uint8_t* to, std::size_t count);
     void (*blendFloatRows)(const double* upper, const double* lower, double weight, std::uint8_t* to,
                            std::size_t count);
+
+    // Two slices as one: see DepthWeights.h. The result overlaps neither, which may be the same.
+    void (*blendBytes)(const ByteDepthWeights& weights, const std::uint8_t* a, const std::uint8_t* b,
+                       std::uint8_t* to, std::size_t count);
+    void (*blendFloats)(const DepthWeights& weights, const float* a, const float* b, float* to,
+                        std::size_t count);
 };
 
 // Those of the instruction set in use.

@@ -10,6 +10,8 @@ const KernelTable kKernels = {
     .blendFloatColumns = BlendFloatColumns,
     .blendByteRows = BlendByteRows,
     .blendFloatRows = BlendFloatRows,
+    .blendBytes = BlendBytes,
+    .blendFloats = BlendFloats,
 };
 
 } // namespace z3d::primitives::Z3D_ISA

@@ -11,6 +11,10 @@ SumRange ComposeBytes(const ChannelSamples<std::uint8_t> (&channels)[3], std::ui
 SumRange ComposeFloats(const ChannelSamples<float> (&channels)[3], std::uint8_t* pixels, std::size_t count,
                        FloatScale scale);
 
+void BlendBytes(const ByteDepthWeights& weights, const std::uint8_t* a, const std::uint8_t* b,
+                std::uint8_t* to, std::size_t count);
+void BlendFloats(const DepthWeights& weights, const float* a, const float* b, float* to, std::size_t count);
+
 void BlendByteRows(const std::int16_t* upper, const std::int16_t* lower, std::int32_t weight,
                    std::uint8_t* to, std::size_t count);
 void BlendFloatRows(const double* upper, const double* lower, double weight, std::uint8_t* to,

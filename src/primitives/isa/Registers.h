@@ -36,12 +36,18 @@ constexpr std::size_t kRegisterBytes = sizeof(Integers);
 Z3D_INLINE Integers Zeroes() { return _mm256_setzero_si256(); }
 Z3D_INLINE Integers Load(const void* from) { return _mm256_loadu_si256(static_cast<const __m256i*>(from)); }
 Z3D_INLINE void Store(void* to, Integers value) { _mm256_storeu_si256(static_cast<__m256i*>(to), value); }
+Z3D_INLINE Integers Or(Integers a, Integers b) { return _mm256_or_si256(a, b); }
+Z3D_INLINE bool AnySet(Integers value) { return _mm256_testz_si256(value, value) == 0; }
 // What packing two registers in order gives, in order: packing works within each half.
 Z3D_INLINE Integers InOrder(Integers packed) { return _mm256_permute4x64_epi64(packed, 0b11'01'10'00); }
 #else
 Z3D_INLINE Integers Zeroes() { return _mm_setzero_si128(); }
 Z3D_INLINE Integers Load(const void* from) { return _mm_loadu_si128(static_cast<const __m128i*>(from)); }
 Z3D_INLINE void Store(void* to, Integers value) { _mm_storeu_si128(static_cast<__m128i*>(to), value); }
+Z3D_INLINE Integers Or(Integers a, Integers b) { return _mm_or_si128(a, b); }
+Z3D_INLINE bool AnySet(Integers value) {
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(value, Zeroes())) != 0xFFFF;
+}
 Z3D_INLINE Integers InOrder(Integers packed) { return packed; }
 #endif
 
