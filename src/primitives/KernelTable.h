@@ -24,6 +24,15 @@ struct FloatScale {
     double slope, offset;
 };
 
+struct ByteExtremes {
+    std::uint8_t max;
+    std::uint8_t min;
+};
+struct FloatExtremes {
+    float max;
+    float min;
+};
+
 struct KernelTable {
     // `count` pixels of three bytes, and the range of their sums. See Compose.h.
     SumRange (*composeBytes)(const ChannelSamples<std::uint8_t> (&channels)[3], std::uint8_t* pixels,
@@ -47,6 +56,12 @@ struct KernelTable {
                        std::uint8_t* to, std::size_t count);
     void (*blendFloats)(const DepthWeights& weights, const float* a, const float* b, float* to,
                         std::size_t count);
+
+    // Of no samples: the two the wrong way round.
+    ByteExtremes (*extremesOfBytes)(const std::uint8_t* samples, std::size_t count);
+    // Each extreme is replaced by what is greater (smaller); a NaN never is. An extreme that becomes zero is a zero of
+    // either sign.
+    FloatExtremes (*widenByFloats)(FloatExtremes extremes, const float* samples, std::size_t count);
 };
 
 // Those of the instruction set in use.

@@ -1,6 +1,8 @@
 #include "volume/ValueRange.h"
 
 #include "reference/PlainPipeline.h"
+#include "support/GuardedBytes.h"
+#include "support/OnEachInstructionSet.h"
 #include "support/RandomSource.h"
 #include "support/Stacks.h"
 
@@ -16,6 +18,9 @@ namespace {
 using namespace z3d;
 using namespace z3d::test;
 using volume::ValueRange;
+
+class ValueRangeTest : public OnEachInstructionSet {};
+Z3D_ON_EACH_INSTRUCTION_SET(ValueRangeTest);
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
@@ -37,19 +42,19 @@ void ExpectBits(const ValueRange& range, float max, float min) {
     EXPECT_EQ(Bits(range.min), Bits(min));
 }
 
-TEST(ValueRange, StartsWithTheExtremesTheWrongWayRound) {
+TEST_P(ValueRangeTest, StartsWithTheExtremesTheWrongWayRound) {
     EXPECT_EQ(Bits(ValueRange().max), 0xFF7FFFFFu);
     EXPECT_EQ(Bits(ValueRange().min), 0x7F7FFFFFu);
 }
 
-TEST(ValueRange, HoldsTheSmallestAndTheLargestSample) {
+TEST_P(ValueRangeTest, HoldsTheSmallestAndTheLargestSample) {
     ExpectBits(RangeOf(std::vector<float>{3, -7.5f, 12, 0.25f}), 12, -7.5f);
     ExpectBits(RangeOf(std::vector<float>{3}), 3, 3);
     ExpectBits(RangeOf(std::vector<std::uint8_t>{9, 200, 17}), 200, 9);
     ExpectBits(RangeOf(std::vector<std::uint8_t>{0}), 0, 0);
 }
 
-TEST(ValueRange, IsOnlyEverWidened) {
+TEST_P(ValueRangeTest, IsOnlyEverWidened) {
     const ValueRange before = {10, 5};
 
     ExpectBits(RangeOf(std::vector<float>{7, 8}, before), 10, 5);
@@ -57,24 +62,24 @@ TEST(ValueRange, IsOnlyEverWidened) {
     ExpectBits(RangeOf(std::vector<std::uint8_t>{4, 7}, before), 10, 4);
 }
 
-TEST(ValueRange, KeepsItsStartWithoutASample) {
+TEST_P(ValueRangeTest, KeepsItsStartWithoutASample) {
     ExpectBits(RangeOf(std::vector<float>{}), ValueRange().max, ValueRange().min);
     ExpectBits(RangeOf(std::vector<std::uint8_t>{}), ValueRange().max, ValueRange().min);
 }
 
-TEST(ValueRange, SkipsWhatIsNotANumber) {
+TEST_P(ValueRangeTest, SkipsWhatIsNotANumber) {
     ExpectBits(RangeOf(std::vector<float>{kNaN, 2, kNaN, 1, kNaN}), 2, 1);
     ExpectBits(RangeOf(std::vector<float>(9, kNaN)), ValueRange().max, ValueRange().min);
 }
 
 // An infinity cannot be smaller than the start of the minimum, nor the lower one greater than the maximum's.
-TEST(ValueRange, TakesInfinitiesAsNumbers) {
+TEST_P(ValueRangeTest, TakesInfinitiesAsNumbers) {
     ExpectBits(RangeOf(std::vector<float>{1, kInfinity, -kInfinity}), kInfinity, -kInfinity);
     ExpectBits(RangeOf(std::vector<float>{kInfinity}), kInfinity, ValueRange().min);
     ExpectBits(RangeOf(std::vector<float>{-kInfinity}), ValueRange().max, -kInfinity);
 }
 
-TEST(ValueRange, KeepsTheFirstOfTwoZeroes) {
+TEST_P(ValueRangeTest, KeepsTheFirstOfTwoZeroes) {
     ExpectBits(RangeOf(std::vector<float>{-1, -0.0f, 0.0f}), -0.0f, -1);
     ExpectBits(RangeOf(std::vector<float>{-1, 0.0f, -0.0f}), 0.0f, -1);
     ExpectBits(RangeOf(std::vector<float>{1, 0.0f, -0.0f}), 1, 0.0f);
@@ -84,7 +89,7 @@ TEST(ValueRange, KeepsTheFirstOfTwoZeroes) {
 }
 
 // Lane 3 sees its zero before lane 0 does.
-TEST(ValueRange, KeepsTheFirstOfTwoZeroesInDifferentLanes) {
+TEST_P(ValueRangeTest, KeepsTheFirstOfTwoZeroesInDifferentLanes) {
     std::vector<float> samples(64, -2.0f);
     samples[3] = -0.0f;
     samples[32] = 0.0f;
@@ -105,7 +110,7 @@ float RandomSample(RandomSource& random, int kind) {
     return random.Chance(3) ? kSpecial[random.Below(5)] : magnitude;
 }
 
-TEST(ValueRange, IsTheLiteralScanOfFloats) {
+TEST_P(ValueRangeTest, IsTheLiteralScanOfFloats) {
     for (std::uint32_t seed = 1; seed <= 3000; ++seed) {
         RandomSource random(seed);
         std::vector<float> samples(static_cast<std::size_t>(random.Between(0, seed % 50 == 0 ? 20000 : 70)));
@@ -123,7 +128,7 @@ TEST(ValueRange, IsTheLiteralScanOfFloats) {
     }
 }
 
-TEST(ValueRange, IsTheLiteralScanOfBytes) {
+TEST_P(ValueRangeTest, IsTheLiteralScanOfBytes) {
     for (std::uint32_t seed = 1; seed <= 1000; ++seed) {
         RandomSource random(seed);
         const int size = random.Between(1, seed % 50 == 0 ? 40000 : 70);
@@ -139,6 +144,24 @@ TEST(ValueRange, IsTheLiteralScanOfBytes) {
 
         ASSERT_EQ(Bits(range.max), Bits(plain.max)) << "seed " << seed;
         ASSERT_EQ(Bits(range.min), Bits(plain.min)) << "seed " << seed;
+    }
+}
+
+TEST_P(ValueRangeTest, ReadsNothingBesideTheSamples) {
+    for (const GuardedEnd end : {GuardedEnd::First, GuardedEnd::Last}) {
+        for (std::size_t count = 1; count <= 140; ++count) {
+            const GuardedBytes floats(4 * count, end);
+            const GuardedBytes bytes(count, end);
+            floats.As<float>()[count - 1] = -3;
+            bytes.As<std::uint8_t>()[count - 1] = 3;
+
+            ValueRange range;
+            volume::WidenByFloats(range, floats.As<float>(), count);
+            ExpectBits(range, count == 1 ? -3.0f : 0.0f, -3);
+            range = {};
+            volume::WidenByBytes(range, bytes.As<std::uint8_t>(), count);
+            ExpectBits(range, 3, count == 1 ? 3.0f : 0.0f);
+        }
     }
 }
 

@@ -12,6 +12,8 @@ const KernelTable kKernels = {
     .blendFloatRows = BlendFloatRows,
     .blendBytes = BlendBytes,
     .blendFloats = BlendFloats,
+    .extremesOfBytes = ExtremesOfBytes,
+    .widenByFloats = WidenByFloats,
 };
 
 } // namespace z3d::primitives::Z3D_ISA

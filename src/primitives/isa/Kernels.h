@@ -15,6 +15,9 @@ void BlendBytes(const ByteDepthWeights& weights, const std::uint8_t* a, const st
                 std::uint8_t* to, std::size_t count);
 void BlendFloats(const DepthWeights& weights, const float* a, const float* b, float* to, std::size_t count);
 
+ByteExtremes ExtremesOfBytes(const std::uint8_t* samples, std::size_t count);
+FloatExtremes WidenByFloats(FloatExtremes extremes, const float* samples, std::size_t count);
+
 void BlendByteRows(const std::int16_t* upper, const std::int16_t* lower, std::int32_t weight,
                    std::uint8_t* to, std::size_t count);
 void BlendFloatRows(const double* upper, const double* lower, double weight, std::uint8_t* to,
