@@ -57,7 +57,7 @@ frame::OwnedImage ComposeSlice(const ChannelImages& channels, const ValueRange& 
     format.Include(channels.blue);
     if (format.bytesPerPixel != 1 && format.bytesPerPixel != 4) return nullptr;
 
-    frame::OwnedImage image(frame::GlobalAlloc2D(format.width, format.height, 3));
+    frame::OwnedImage image(frame::AllocUnset2D(format.width, format.height, 3));
     const frame::LockedImage to(image.get());
     const frame::LockedImage red(channels.red);
     const frame::LockedImage green(channels.green);

@@ -145,6 +145,8 @@ bool ComposeFloats(const Planes<float>& planes, std::uint8_t* pixels, std::size_
     ForEachRun(count, [&](std::size_t first, std::int32_t run) {
         const PlaneRun from(planes, first, zeroes.get());
         std::uint8_t* to = pixels + 3 * first;
+        // Without a range the scaling writes nothing.
+        if (!(range.min < range.max)) std::memset(to, 0, 3 * static_cast<std::size_t>(run));
         primitives::CopyPlanes32fP3C3(from.planes, 4 * run, interleaved.get(), 12 * run, run, 1);
         primitives::Scale32f8uC3(interleaved.get(), 12 * run, to, 3 * run, run, 1, range.min, range.max);
         brightness.Widen(to, run, grey.get());

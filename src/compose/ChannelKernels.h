@@ -16,12 +16,11 @@ struct Planes {
     const Sample* blue;
 };
 
-// Fills `count` pixels of 3 bytes, which hold zeroes, and widens `display` by the pixels' brightness as a sum of
+// Fills `count` pixels of 3 bytes and widens `display` by the pixels' brightness as a sum of
 // three channels. `range` is what the samples mean:
 //   bytes    0 to 255 stand for range.min to range.max; that value, rounded and saturated, is the result's byte.
-//            Without a range (max not above min) every byte is 0.
-//   floats   range.min and below become 0, range.max and above 255, with a linear map in between. Without a
-//            range the pixels stay as they are.
+//   floats   range.min and below become 0, range.max and above 255, with a linear map in between.
+// Without a range (max not above min) every byte is 0.
 // False when scratch memory is short; the pixels are then of no use.
 [[nodiscard]] bool ComposeBytes(const Planes<std::uint8_t>& planes, std::uint8_t* pixels, std::size_t count,
                                 const volume::ValueRange& range, volume::ValueRange& display);

@@ -83,7 +83,7 @@ private:
 // The slice as bytes: a new image, or the slice itself when it holds no floats. Null when memory is short.
 Image2D* ConvertSlice(Image2D* slice, const ValueRange& range, ValueRange& display) {
     if (slice == nullptr || slice->bytesPerPixel != 4) return slice;
-    frame::OwnedImage image(frame::GlobalAlloc2D(slice->width, slice->height, 1));
+    frame::OwnedImage image(frame::AllocUnset2D(slice->width, slice->height, 1));
     const frame::LockedImage from(slice);
     const frame::LockedImage to(image.get());
     if (!from || !to) return nullptr;

@@ -7,8 +7,10 @@
 #include <cstring>
 
 namespace z3d::frame {
+namespace {
 
-Image2D* GlobalAlloc2D(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerPixel) {
+Image2D* Alloc2D(platform::BlockHandle (*allocate)(std::uint32_t), std::uint32_t width, std::uint32_t height,
+                 std::uint32_t bytesPerPixel) {
     auto* image = static_cast<Image2D*>(platform::HeapAllocate(sizeof(Image2D)));
     if (image == nullptr) return nullptr;
     image->rows = nullptr;
@@ -18,12 +20,22 @@ Image2D* GlobalAlloc2D(std::uint32_t width, std::uint32_t height, std::uint32_t 
 
     // The product wraps at 32 bits, as hosts know it; whoever reads pixels checks that it did not.
     const std::uint32_t bytes = std::uint32_t{image->width} * image->height * bytesPerPixel;
-    image->mem = platform::BlockAllocate(bytes);
+    image->mem = allocate(bytes);
     if (image->mem == nullptr) {
         platform::HeapFree(image);
         return nullptr;
     }
     return image;
+}
+
+} // namespace
+
+Image2D* GlobalAlloc2D(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerPixel) {
+    return Alloc2D(platform::BlockAllocate, width, height, bytesPerPixel);
+}
+
+Image2D* AllocUnset2D(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerPixel) {
+    return Alloc2D(platform::BlockAllocateUnset, width, height, bytesPerPixel);
 }
 
 std::uint8_t** GlobalLock2D(Image2D* image) {

@@ -13,6 +13,9 @@ using ::Image2D;
 // Width and height count with their low 16 bits. Null when the handle or the pixels cannot be had.
 Image2D* GlobalAlloc2D(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerPixel);
 
+// The same, the pixels being whatever they happen to be: for the library's own use, where all are overwritten.
+Image2D* AllocUnset2D(std::uint32_t width, std::uint32_t height, std::uint32_t bytesPerPixel);
+
 // The table of `height` row addresses; the same table when already locked. Null on failure. When the pixels
 // cannot be locked the handle keeps a table of null rows, and a later lock returns that table.
 std::uint8_t** GlobalLock2D(Image2D* image);

@@ -1,5 +1,7 @@
 #include "frame/LockedImage.h"
 
+#include "platform/GlobalMemory.h"
+
 namespace z3d::frame {
 namespace {
 
@@ -14,9 +16,11 @@ bool HasWholeBlock(const Image2D& image) {
 
 LockedImage::LockedImage(Image2D* image) : image_(image) {
     if (image == nullptr || !HasWholeBlock(*image)) return;
-    std::uint8_t** rows = GlobalLock2D(image);
-    // An earlier failed lock leaves a table of null rows behind.
-    if (rows != nullptr) pixels_ = rows[0];
+    pixels_ = static_cast<std::uint8_t*>(platform::BlockLock(image->mem));
+}
+
+LockedImage::~LockedImage() {
+    if (pixels_ != nullptr) platform::BlockUnlock(image_->mem);
 }
 
 } // namespace z3d::frame

@@ -8,13 +8,13 @@
 
 namespace z3d::frame {
 
-// Locks the image, and unlocks it in every case. Empty when the image is null or has no pixels, cannot be
-// locked, or claims more bytes than its block holds. Two locks of one image share its pixels and both end with
-// the first scope that ends.
+// Locks the image's block, without a table of rows, and unlocks it in every case. Empty when the image is null or
+// has no pixels, cannot be locked, or claims more bytes than its block holds. Locks are counted: others of the same
+// image are left alone.
 class LockedImage {
 public:
     explicit LockedImage(Image2D* image);
-    ~LockedImage() { frame::GlobalUnlock2D(image_); }
+    ~LockedImage();
     LockedImage(const LockedImage&) = delete;
     LockedImage& operator=(const LockedImage&) = delete;
 

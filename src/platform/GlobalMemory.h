@@ -1,4 +1,4 @@
-// Movable, zero-initialised blocks of the platform's global memory: where all pixels live.
+// Movable blocks of the platform's global memory: where all pixels live.
 //
 // A block is known by its handle and has an address only while it is locked. Locks are counted. A block of
 // 0 bytes can be had but not locked. On other systems than Windows the same semantics are provided on top of
@@ -13,6 +13,9 @@ using BlockHandle = void*;
 
 // A new unlocked block of zeroes, or null.
 BlockHandle BlockAllocate(std::uint32_t bytes);
+
+// The same, its bytes whatever they happen to be: for what is overwritten anyway.
+BlockHandle BlockAllocateUnset(std::uint32_t bytes);
 
 // The block's address, which stays the same until the last unlock; null when the block cannot be locked.
 void* BlockLock(BlockHandle block);

@@ -3,6 +3,7 @@
 #include "platform/Refusal.h"
 
 #include <cstdlib>
+#include <cstring>
 
 namespace z3d::platform {
 namespace {
@@ -17,13 +18,19 @@ struct Block {
 // Few blocks are alive at a time (one per slice), and only BlockFromAddress walks the list.
 Block* firstBlock = nullptr;
 
-} // namespace
+void* AllocateZeroes(std::uint32_t bytes) { return std::calloc(bytes, 1); }
 
-BlockHandle BlockAllocate(std::uint32_t bytes) {
+void* AllocateUnset(std::uint32_t bytes) {
+    void* pixels = std::malloc(bytes);
+    if (kSpoilsUnsetMemory && pixels != nullptr) std::memset(pixels, 0xA5, bytes);
+    return pixels;
+}
+
+BlockHandle Allocate(void* (*allocatePixels)(std::uint32_t), std::uint32_t bytes) {
     if (IsRefused(Resource::Block)) return nullptr;
     auto* block = static_cast<Block*>(std::malloc(sizeof(Block)));
     if (block == nullptr) return nullptr;
-    auto* pixels = bytes == 0 ? nullptr : static_cast<unsigned char*>(std::calloc(bytes, 1));
+    auto* pixels = bytes == 0 ? nullptr : static_cast<unsigned char*>(allocatePixels(bytes));
     if (bytes != 0 && pixels == nullptr) {
         std::free(block);
         return nullptr;
@@ -33,6 +40,12 @@ BlockHandle BlockAllocate(std::uint32_t bytes) {
     NoteGranted(Resource::Block);
     return block;
 }
+
+} // namespace
+
+BlockHandle BlockAllocate(std::uint32_t bytes) { return Allocate(AllocateZeroes, bytes); }
+
+BlockHandle BlockAllocateUnset(std::uint32_t bytes) { return Allocate(AllocateUnset, bytes); }
 
 void* BlockLock(BlockHandle block) {
     if (IsRefused(Resource::BlockLock)) return nullptr;

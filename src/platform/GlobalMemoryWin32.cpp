@@ -2,15 +2,33 @@
 
 #include "platform/Refusal.h"
 
+#include <cstring>
+
 #include <windows.h>
 
 namespace z3d::platform {
+namespace {
+
+BlockHandle Allocate(UINT flags, std::uint32_t bytes) {
+    if (IsRefused(Resource::Block)) return nullptr;
+    BlockHandle block = GlobalAlloc(flags, bytes);
+    if (block != nullptr) NoteGranted(Resource::Block);
+    return block;
+}
+
+} // namespace
 
 BlockHandle BlockAllocate(std::uint32_t bytes) {
     static_assert((GMEM_MOVEABLE | GMEM_ZEROINIT) == 0x42, "the flags that hosts rely on");
-    if (IsRefused(Resource::Block)) return nullptr;
-    BlockHandle block = GlobalAlloc(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
-    if (block != nullptr) NoteGranted(Resource::Block);
+    return Allocate(GMEM_MOVEABLE | GMEM_ZEROINIT, bytes);
+}
+
+BlockHandle BlockAllocateUnset(std::uint32_t bytes) {
+    BlockHandle block = Allocate(GMEM_MOVEABLE, bytes);
+    if (kSpoilsUnsetMemory && block != nullptr && bytes != 0) {
+        std::memset(GlobalLock(block), 0xA5, bytes);
+        GlobalUnlock(block);
+    }
     return block;
 }
 

@@ -16,12 +16,15 @@ void NoteGranted(Resource resource);
 void NoteReleased(Resource resource);
 void* AllocateFromHeap(std::size_t bytes);
 void FreeToHeap(void* memory);
+// Memory that is granted as it happens to be is filled, so that no test passes because it happened to be zero.
+constexpr bool kSpoilsUnsetMemory = true;
 #else
 inline bool IsRefused(Resource) { return false; }
 inline void NoteGranted(Resource) {}
 inline void NoteReleased(Resource) {}
 inline void* AllocateFromHeap(std::size_t bytes) { return std::malloc(bytes); }
 inline void FreeToHeap(void* memory) { std::free(memory); }
+constexpr bool kSpoilsUnsetMemory = false;
 #endif
 
 } // namespace z3d::platform

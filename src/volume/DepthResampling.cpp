@@ -81,7 +81,7 @@ frame::OwnedVolume ResampleDepth(Volume3D& source, std::int32_t newDepth, const 
             frame::FreeSlice(&source, static_cast<std::size_t>(firstKept));
 
         Image2D* lower = source.slices[at.lower];
-        Image2D* slice = frame::GlobalAlloc2D(source.width, source.height, lower->bytesPerPixel);
+        Image2D* slice = frame::AllocUnset2D(source.width, source.height, lower->bytesPerPixel);
         result->slices[z] = slice;
         if (slice == nullptr) return nullptr;
         if (!BlendSlices(lower, source.slices[at.upper], {at.t, bounds}, slice)) return nullptr;

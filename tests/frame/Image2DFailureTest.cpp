@@ -30,6 +30,11 @@ TEST(Image2DFailure, AllocationFailsWithNullAndKeepsNothing) {
         EXPECT_EQ(image == nullptr, refused);
         frame::GlobalFree2D(image);
     });
+    test::ForEveryRefusal([](bool refused) {
+        Image2D* image = frame::AllocUnset2D(4, 3, 1);
+        EXPECT_EQ(image == nullptr, refused);
+        frame::GlobalFree2D(image);
+    });
 }
 
 TEST(Image2DFailure, WithoutATableTheImageStaysUnlocked) {

@@ -1,6 +1,7 @@
 #include "frame/LockedImage.h"
 
 #include "frame/Owned.h"
+#include "platform/GlobalMemory.h"
 #include "support/Refusals.h"
 
 #include <gtest/gtest.h>
@@ -19,21 +20,35 @@ TEST(LockedImage, GivesTheWholeBlockForItsScope) {
     {
         const LockedImage locked(image.get());
         ASSERT_TRUE(locked);
-        EXPECT_EQ(locked.Bytes(), image->rows[0]);
-        EXPECT_EQ(locked.Bytes() + 12, image->rows[1]);
+        EXPECT_EQ(locked.Bytes(), platform::BlockLock(image->mem));
+        platform::BlockUnlock(image->mem);
         EXPECT_EQ(locked.PixelCount(), 6u);
         EXPECT_EQ(locked.ByteCount(), 24u);
         EXPECT_EQ(locked.Floats()[5], 0.0f);
     }
-    EXPECT_EQ(image->rows, nullptr);
+    EXPECT_EQ(Outstanding(platform::Resource::BlockLock), 0);
 }
 
-TEST(LockedImage, UnlocksWhatWasLockedBefore) {
+TEST(LockedImage, LeavesOtherLocksAlone) {
     const OwnedImage image(frame::GlobalAlloc2D(3, 2, 1));
-    frame::GlobalLock2D(image.get());
+    std::uint8_t** rows = frame::GlobalLock2D(image.get());
+    ASSERT_NE(rows, nullptr);
+    {
+        const LockedImage first(image.get());
+        EXPECT_TRUE(LockedImage(image.get()));
+        EXPECT_EQ(first.Bytes(), rows[0]);
+    }
+    EXPECT_EQ(image->rows, rows);
+    EXPECT_EQ(Outstanding(platform::Resource::BlockLock), 1);
+}
 
-    EXPECT_TRUE(LockedImage(image.get()));
+TEST(LockedImage, NeedsNoTableOfRows) {
+    const OwnedImage image(frame::GlobalAlloc2D(3, 2, 1));
+    const std::int64_t heap = Outstanding(platform::Resource::Heap);
 
+    const LockedImage locked(image.get());
+
+    EXPECT_EQ(Outstanding(platform::Resource::Heap), heap);
     EXPECT_EQ(image->rows, nullptr);
 }
 

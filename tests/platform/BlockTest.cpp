@@ -104,6 +104,30 @@ TEST(Block, IsNotFoundByAForeignAddress) {
     EXPECT_EQ(BlockFromAddress(nullptr), nullptr);
 }
 
+// Tests are to notice whoever relies on what happens to be there.
+TEST(Block, UnsetIsNotZeroInTests) {
+    const BlockHandle block = BlockAllocateUnset(100);
+    ASSERT_NE(block, nullptr);
+
+    const auto* bytes = static_cast<const unsigned char*>(BlockLock(block));
+    ASSERT_NE(bytes, nullptr);
+    EXPECT_EQ(std::count(bytes, bytes + 100, 0), 0);
+
+    EXPECT_EQ(BlockUnlock(block), 0);
+    BlockFree(block);
+    EXPECT_EQ(test::OutstandingInTotal(), 0);
+}
+
+TEST(Block, UnsetOfNoBytesIsThereButCannotBeLocked) {
+    const BlockHandle block = BlockAllocateUnset(0);
+    ASSERT_NE(block, nullptr);
+
+    EXPECT_EQ(BlockLock(block), nullptr);
+
+    BlockFree(block);
+    EXPECT_EQ(test::OutstandingInTotal(), 0);
+}
+
 TEST(Block, FreeTakesNull) {
     BlockFree(nullptr);
 
@@ -111,6 +135,8 @@ TEST(Block, FreeTakesNull) {
 }
 
 TEST(Block, IsRefusedOnDemand) {
+    test::RefuseRequest(0);
+    EXPECT_EQ(BlockAllocateUnset(100), nullptr);
     test::RefuseRequest(0);
     EXPECT_EQ(BlockAllocate(100), nullptr);
     const BlockHandle block = BlockAllocate(100);
