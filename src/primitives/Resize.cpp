@@ -1,13 +1,12 @@
 #include "primitives/Resize.h"
 
 #include "platform/Heap.h"
+#include "primitives/BilinearResize.h"
 #include "primitives/ResizeAxis.h"
 #include "primitives/ResizePasses.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstring>
-#include <utility>
 
 namespace z3d::primitives {
 namespace {
@@ -39,98 +38,11 @@ Status CheckArguments(const void* source, ImageSize sourceSize, std::int32_t sou
     return StatusNoError;
 }
 
-// The table of columns: for each written column the index of its left pixel and its weight. The padding at
-// the end walks on: its pairs lie within the source as all do, and what comes of them is not written.
-template <class Passes>
-class Columns {
-public:
-    explicit Columns(std::size_t padded) : count_(padded), left_(padded), weights_(padded) {
-        if (blendGroups_ != nullptr) groups_ = HeapArray<Group>(padded / Group::kColumns);
-    }
-
-    explicit operator bool() const { return left_ && weights_ && (blendGroups_ == nullptr || groups_); }
-
-    void Fill(const Axis& axis) {
-        AxisWalk walk(axis);
-        for (std::size_t x = 0; x < count_; ++x) {
-            const AxisSample column = walk.NextPair();
-            left_[x] = column.lower;
-            weights_[x] = Passes::WeightOfColumn(column.fraction);
-        }
-        if (!FormGroups(axis.sourceLength)) blendGroups_ = nullptr;
-    }
-
-    void Blend(const std::uint8_t* row, typename Passes::Intermediate* to) const {
-        if (blendGroups_ != nullptr) {
-            blendGroups_(row, groups_.Get(), weights_.Get(), to, count_);
-        } else {
-            Passes::Horizontal(row, left_.Get(), weights_.Get(), to, count_);
-        }
-    }
-
-private:
-    using Group = typename Passes::ColumnGroup;
-
-    // False when the processor cannot, or when the pairs of some group lie too far apart.
-    bool FormGroups(std::int32_t rowLength) {
-        if (blendGroups_ == nullptr || rowLength < Group::kLoaded) return false;
-        for (std::size_t x = 0; x < count_; x += Group::kColumns) {
-            // Nothing beyond the row is read: at its end the load moves to the left.
-            const std::int32_t first = std::min(left_[x], rowLength - Group::kLoaded);
-            std::uint8_t offsets[Group::kColumns];
-            for (std::size_t column = 0; column < Group::kColumns; ++column) {
-                const std::int32_t offset = left_[x + column] - first;
-                if (offset < 0 || offset + 1 >= Group::kLoaded) return false;
-                offsets[column] = static_cast<std::uint8_t>(offset);
-            }
-            groups_[x / Group::kColumns] = Passes::GroupOf(first, offsets);
-        }
-        return true;
-    }
-
-    std::size_t count_;
-    HeapArray<std::int32_t> left_;
-    HeapArray<typename Passes::ColumnWeight> weights_;
-    HeapArray<Group> groups_;
-    decltype(Passes::HorizontalGroups()) blendGroups_ = Passes::HorizontalGroups(); // null: one by one
-};
-
-// A source row after its horizontal pass.
-template <class Passes>
-struct BlendedRow {
-    std::int32_t row = -1; // none yet
-    HeapArray<typename Passes::Intermediate> values;
-
-    explicit BlendedRow(std::size_t padded) : values(padded) {}
-
-    void Hold(std::int32_t wanted, const Job& job, const Columns<Passes>& columns) {
-        if (row == wanted) return;
-        columns.Blend(RowAt(job.source, job.sourceStep, wanted), values.Get());
-        row = wanted;
-    }
-};
-
 template <class Passes>
 Status ResizeBilinear(const Job& job) {
-    // Take all scratch before anything is written.
-    const std::size_t width = static_cast<std::size_t>(job.columns.written);
-    const std::size_t padded = (width + kPadding - 1) / kPadding * kPadding;
-    Columns<Passes> columns(padded);
-    BlendedRow<Passes> upper(padded);
-    BlendedRow<Passes> lower(padded);
-    if (!columns || !upper.values || !lower.values) return StatusMemoryError;
-    columns.Fill(job.columns);
-
-    // Blend each destination row from two source rows, the lower one often serving as the next upper one.
-    AxisWalk rows(job.rows);
-    for (std::int32_t y = 0; y < job.rows.written; ++y) {
-        const AxisSample pair = rows.NextPair();
-        if (lower.row == pair.lower) std::swap(upper, lower);
-        upper.Hold(pair.lower, job, columns);
-        lower.Hold(pair.lower + 1, job, columns);
-        Passes::Vertical(upper.values.Get(), lower.values.Get(), Passes::WeightOfRow(pair.fraction),
-                         RowAt(job.destination, job.destinationStep, y), width);
-    }
+    BilinearResize<Passes> resize(job.columns, job.rows);
+    if (!resize) return StatusMemoryError;
+    resize.Run(job.source, job.sourceStep, job.destination, job.destinationStep);
     return StatusNoError;
 }
 

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <utility>
 
 namespace z3d::volume {
@@ -42,9 +43,15 @@ public:
     }
 
     // The next slice of the file in the result's width and height; null when memory is short.
-    OwnedImage Next(platform::File& file) const {
+    OwnedImage Next(platform::File& file) {
         OwnedImage slice = Read(file);
-        if (slice && resamplesPlane_) slice = ResampleSlice(slice.get(), size_.width, size_.height);
+        if (slice && resamplesPlane_) {
+            if (!resampler_) {
+                resampler_.emplace(primitives::ImageSize{stored_.size.width, stored_.size.height},
+                                   primitives::ImageSize{size_.width, size_.height}, slice->bytesPerPixel);
+            }
+            slice = resampler_->Resample(slice.get());
+        }
         if (slice && measuresResult_ && !WidenBySlice(range_, slice.get())) return nullptr;
         return slice;
     }
@@ -69,6 +76,7 @@ private:
     const RawVolumeFile& stored_;
     const VolumeSize& size_;
     ValueRange& range_;
+    std::optional<SliceResampler> resampler_; // from the first slice on, where slices are resampled
     bool resamplesPlane_;
     bool measuresFile_;
     bool measuresResult_;
@@ -94,7 +102,7 @@ OwnedVolume ReadVolume(const RawVolumeFile& stored, const VolumeSize& size, Valu
         warning = frame::kOutOfMemory;
         return nullptr;
     }
-    const SliceReader reader(stored, size, range);
+    SliceReader reader(stored, size, range);
     for (std::int32_t z = 0; z < depth; ++z) {
         volume->slices[z] = reader.Next(file).release();
         if (volume->slices[z] == nullptr) {

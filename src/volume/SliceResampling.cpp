@@ -1,30 +1,20 @@
 #include "volume/SliceResampling.h"
 
-#include "frame/LockedImage.h"
-#include "primitives/Resize.h"
-#include "primitives/ResizeAxis.h"
-
 #include <cstddef>
 #include <cstring>
 
 namespace z3d::volume {
 namespace {
 
+using primitives::Axis;
 using primitives::ImageSize;
 
-ImageSize SizeOf(const Image2D& image) { return {image.width, image.height}; }
-
-std::int32_t RowBytes(const Image2D& image) {
-    return image.width * static_cast<std::int32_t>(image.bytesPerPixel);
+// One pixel in; the axis ends with the slice.
+Axis AxisOf(std::int32_t length, std::int32_t newLength) {
+    return Axis::Make(length, 1, length, newLength, static_cast<double>(newLength) / length);
 }
 
-double Factor(std::int32_t length, std::int32_t newLength) { return static_cast<double>(newLength) / length; }
-
-// The resize leaves some columns at the right and some rows at the bottom as they are.
-std::int32_t WrittenLength(std::int32_t length, std::int32_t newLength) {
-    return primitives::Axis::Make(length, 1, length, newLength, Factor(length, newLength)).written;
-}
-
+// All but the first columns of the first rows.
 void ClearUnwritten(const frame::LockedImage& image, ImageSize size, std::int32_t columns,
                     std::int32_t rows) {
     const std::size_t rowBytes = static_cast<std::size_t>(size.width) * image.BytesPerPixel();
@@ -37,34 +27,37 @@ void ClearUnwritten(const frame::LockedImage& image, ImageSize size, std::int32_
 
 } // namespace
 
-frame::OwnedImage ResampleSlice(Image2D* source, std::int32_t newWidth, std::int32_t newHeight) {
-    frame::OwnedImage result(frame::AllocUnset2D(
-        static_cast<std::uint32_t>(newWidth), static_cast<std::uint32_t>(newHeight), source->bytesPerPixel));
-    if (!result) return nullptr;
+SliceResampler::SliceResampler(ImageSize size, ImageSize newSize, std::uint32_t bytesPerPixel)
+    : size_(size), newSize_(newSize), bytesPerPixel_(bytesPerPixel), columns_(), rows_() {
+    if (size.width < 2 || size.height < 2) return;
+    columns_ = AxisOf(size.width, newSize.width);
+    rows_ = AxisOf(size.height, newSize.height);
+    if (bytesPerPixel == 4) {
+        floats_.emplace(columns_, rows_);
+    } else {
+        bytes_.emplace(columns_, rows_);
+    }
+}
+
+template <class Passes>
+void SliceResampler::RunOn(std::optional<primitives::BilinearResize<Passes>>& resize,
+                           const frame::LockedImage& from, const frame::LockedImage& to) {
+    const auto pixelBytes = static_cast<std::int32_t>(bytesPerPixel_);
+    if (resize) resize->Run(from.Bytes(), size_.width * pixelBytes, to.Bytes(), newSize_.width * pixelBytes);
+}
+
+frame::OwnedImage SliceResampler::Resample(Image2D* slice) {
+    if ((bytes_ && !*bytes_) || (floats_ && !*floats_)) return nullptr;
+    frame::OwnedImage result(frame::AllocUnset2D(static_cast<std::uint32_t>(newSize_.width),
+                                                 static_cast<std::uint32_t>(newSize_.height),
+                                                 bytesPerPixel_));
     const frame::LockedImage to(result.get());
-    const frame::LockedImage from(source);
+    const frame::LockedImage from(slice);
     if (!to || !from) return nullptr;
 
-    const ImageSize size = SizeOf(*source);
-    const ImageSize newSize = SizeOf(*result);
-    const double xFactor = Factor(size.width, newSize.width);
-    const double yFactor = Factor(size.height, newSize.height);
-    // One column and one row in; the resize limits the rectangle to the image.
-    const primitives::ImageRect rectangle = {1, 1, size.width, size.height};
-
-    primitives::Status status;
-    if (source->bytesPerPixel == 4) {
-        status = primitives::Resize32fC1(from.Floats(), size, RowBytes(*source), rectangle, to.Floats(),
-                                         RowBytes(*result), newSize, xFactor, yFactor, primitives::kBilinear);
-    } else {
-        status = primitives::Resize8uC1(from.Bytes(), size, size.width, rectangle, to.Bytes(), newSize.width,
-                                        newSize, xFactor, yFactor, primitives::kBilinear);
-    }
-    if (status == primitives::StatusMemoryError) return nullptr;
-    // A source of one column or row lies outside its rectangle: then nothing is written.
-    const bool isWritten = status == primitives::StatusNoError;
-    ClearUnwritten(to, newSize, isWritten ? WrittenLength(size.width, newSize.width) : 0,
-                   isWritten ? WrittenLength(size.height, newSize.height) : 0);
+    RunOn(bytes_, from, to);
+    RunOn(floats_, from, to);
+    ClearUnwritten(to, newSize_, columns_.written, rows_.written);
     return result;
 }
 

@@ -1,5 +1,6 @@
 #include "volume/SliceResampling.h"
 
+#include "frame/LockedImage.h"
 #include "support/Refusals.h"
 #include "support/Stacks.h"
 
@@ -17,7 +18,9 @@ OwnedVolume Resampled(const reference::Volume& stack, int newWidth, int newHeigh
     const OwnedVolume source = ToVolume(stack);
     OwnedVolume result(frame::GlobalAlloc3D(static_cast<std::uint32_t>(newWidth),
                                             static_cast<std::uint32_t>(newHeight), 1, 0));
-    result->slices[0] = volume::ResampleSlice(source->slices[0], newWidth, newHeight).release();
+    volume::SliceResampler resampler({stack.width, stack.height}, {newWidth, newHeight},
+                                     source->slices[0]->bytesPerPixel);
+    result->slices[0] = resampler.Resample(source->slices[0]).release();
     EXPECT_TRUE(HasSamples(source.get(), stack)) << "the source has changed";
     return result;
 }
@@ -50,10 +53,22 @@ TEST(SliceResampling, GivesNullWhenAnythingIsRefused) {
     ForEveryRefusal([](bool refused) {
         const OwnedImage source(frame::GlobalAlloc2D(5, 4, 1));
         if (!source) return;
-        const OwnedImage result = volume::ResampleSlice(source.get(), 3, 6);
+        volume::SliceResampler resampler({5, 4}, {3, 6}, 1);
+        const OwnedImage result = resampler.Resample(source.get());
         EXPECT_EQ(result == nullptr, refused);
         EXPECT_EQ(source->rows, nullptr);
     });
+}
+
+TEST(SliceResampling, DoesNotMixTheSlicesOfAStack) {
+    const OwnedVolume slices = ToVolume(FloatStack(3, 2, 2, {0, 0, 0, 0, 8, 9, 0, 0, 0, 0, 2, 4}));
+    volume::SliceResampler resampler({3, 2}, {3, 2}, 4);
+
+    for (const float first : {8.0f, 2.0f}) {
+        const OwnedImage result = resampler.Resample(slices->slices[first == 8.0f ? 0 : 1]);
+        ASSERT_NE(result, nullptr);
+        EXPECT_EQ(frame::LockedImage(result.get()).Floats()[0], first);
+    }
 }
 
 } // namespace
