@@ -47,8 +47,9 @@ private:
     double offset_;
 };
 
-// `lower` and `upper` may be the same.
-bool BlendSlices(Image2D* lower, Image2D* upper, const DepthBlend& blend, Image2D* result) {
+// `lower` and `upper` may be the same. Widens `range` by the result, whose samples are still at hand.
+bool BlendSlices(Image2D* lower, Image2D* upper, const DepthBlend& blend, Image2D* result,
+                 ValueRange& range) {
     const frame::LockedImage to(result);
     const frame::LockedImage a(lower);
     const frame::LockedImage b(upper);
@@ -58,13 +59,14 @@ bool BlendSlices(Image2D* lower, Image2D* upper, const DepthBlend& blend, Image2
     } else {
         blend.Bytes(a.Bytes(), b.Bytes(), to.Bytes(), to.PixelCount());
     }
+    WidenByPixels(range, to);
     return true;
 }
 
 } // namespace
 
 frame::OwnedVolume ResampleDepth(Volume3D& source, std::int32_t newDepth, const ValueRange& bounds,
-                                 const frame::Host& host) {
+                                 ValueRange& range, const frame::Host& host) {
     if (newDepth < 0 || newDepth > UINT16_MAX || !HasAlikeSlices(source)) return nullptr;
     if (source.depth == 0 && newDepth != 0) return nullptr;
     const auto depth = static_cast<std::uint32_t>(newDepth);
@@ -72,6 +74,7 @@ frame::OwnedVolume ResampleDepth(Volume3D& source, std::int32_t newDepth, const 
     if (!result) return nullptr;
     if (host.Start() == frame::Answer::Cancel) return nullptr;
 
+    if (newDepth != 0) range = ValueRange();
     const DepthPositions positions(source.depth, newDepth);
     std::int32_t firstKept = 0;
     for (std::int32_t z = 0; z < newDepth; ++z) {
@@ -84,7 +87,7 @@ frame::OwnedVolume ResampleDepth(Volume3D& source, std::int32_t newDepth, const 
         Image2D* slice = frame::AllocUnset2D(source.width, source.height, lower->bytesPerPixel);
         result->slices[z] = slice;
         if (slice == nullptr) return nullptr;
-        if (!BlendSlices(lower, source.slices[at.upper], {at.t, bounds}, slice)) return nullptr;
+        if (!BlendSlices(lower, source.slices[at.upper], {at.t, bounds}, slice, range)) return nullptr;
         if (host.Progress(z, newDepth) == frame::Answer::Cancel) return nullptr;
     }
     return result;

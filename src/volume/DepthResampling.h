@@ -16,9 +16,11 @@ namespace z3d::volume {
 // The source is unlocked and its slices, of 1 or 4 bytes per pixel, are all present and alike. They are consumed:
 // each is freed, and its entry cleared, as soon as no later slice needs it.
 //
+// `range` becomes the range of the result; without slices it stays as it is.
+//
 // Null, without a warning, when the host cancels, when memory is short, or when the source is not as stated.
 // Reports a start, and progress after each slice.
 frame::OwnedVolume ResampleDepth(Volume3D& source, std::int32_t newDepth, const ValueRange& bounds,
-                                 const frame::Host& host);
+                                 ValueRange& range, const frame::Host& host);
 
 } // namespace z3d::volume

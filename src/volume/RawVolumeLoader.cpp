@@ -114,13 +114,6 @@ OwnedVolume ReadVolume(const RawVolumeFile& stored, const VolumeSize& size, Valu
     return volume;
 }
 
-bool MeasureVolume(ValueRange& range, const Volume3D& volume) {
-    range = ValueRange();
-    for (std::size_t z = 0; z < volume.depth; ++z)
-        if (!WidenBySlice(range, volume.slices[z])) return false;
-    return true;
-}
-
 } // namespace
 
 OwnedVolume LoadRawVolume(const RawVolumeFile& file, const VolumeSize& size, ValueRange& running,
@@ -133,14 +126,10 @@ OwnedVolume LoadRawVolume(const RawVolumeFile& file, const VolumeSize& size, Val
         return nullptr;
     }
     if (file.size.depth != size.depth) {
-        volume = ResampleDepth(*volume, size.depth, volumeRange, host);
+        const ValueRange bounds = volumeRange;
+        volume = ResampleDepth(*volume, size.depth, bounds, volumeRange, host);
         if (!volume) return nullptr;
         if (volume->depth == 0) return volume;
-        if (!MeasureVolume(volumeRange, *volume)) {
-            volume.reset();
-            host.Warn(frame::kOutOfMemory);
-            return nullptr;
-        }
     }
     // Whatever widens the volume's own range from its start widens the running one.
     running.Widen(volumeRange);
