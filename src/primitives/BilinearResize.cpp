@@ -9,7 +9,8 @@ namespace z3d::primitives {
 namespace {
 
 std::size_t PaddedCount(const Axis& axis) {
-    return (static_cast<std::size_t>(axis.written) + kPadding - 1) / kPadding * kPadding;
+    const std::size_t padded = (static_cast<std::size_t>(axis.written) + kPadding - 1) / kPadding * kPadding;
+    return std::max(padded, kLeastCount);
 }
 
 } // namespace

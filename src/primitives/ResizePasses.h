@@ -5,8 +5,8 @@
 //   HorizontalGroups  the same by whole groups of columns, on processors that can: each group takes its pairs from
 //                     one load of kLoaded samples;
 //   Vertical          two rows of intermediates into `count` samples of the destination.
-// Tables and intermediate rows are padded to a multiple of kPadding: the horizontal passes fill them whole, Vertical
-// reads them whole and writes just `count` samples. The forms of the two blends differ on purpose and are
+// Tables and intermediate rows are padded to a multiple of kPadding, at least kLeastCount: the horizontal passes fill
+// them whole; Vertical writes just `count` samples, and reads no more than the least count or these. The forms of the two blends differ on purpose and are
 // kept to the last bit: a + (b - a) * f across, lower * f + upper * (1 - f) down.
 #pragma once
 
@@ -18,7 +18,8 @@
 
 namespace z3d::primitives {
 
-inline constexpr std::size_t kPadding = 32;
+inline constexpr std::size_t kPadding = 16;
+inline constexpr std::size_t kLeastCount = 32;
 
 struct BytePasses {
     using Sample = std::uint8_t;

@@ -27,21 +27,25 @@ Z3D_INLINE auto BlendDoubles(const double* upper, const double* lower, Doubles w
 
 } // namespace
 
+// A row's last register goes back to lie within the row. A row shorter than a register is read whole, as intermediates
+// are padded, and written through scratch.
 void BlendByteRows(const std::int16_t* upper, const std::int16_t* lower, std::int32_t weight,
                    std::uint8_t* to, std::size_t count) {
+    constexpr std::size_t kHalf = kRegisterBytes / 2;
     const Integers weights = Z3D_MM(set1_epi32)((weight << 16) | (kOne - weight));
-    for (std::size_t x = 0; x < count; x += kRegisterBytes) {
-        constexpr std::size_t kHalf = kRegisterBytes / 2;
-        const Integers samples =
-            InOrder(Z3D_MM(packus_epi16)(BlendWords(upper + x, lower + x, weights),
-                                         BlendWords(upper + x + kHalf, lower + x + kHalf, weights)));
-        if (count - x >= kRegisterBytes) {
-            Store(to + x, samples);
-        } else {
-            std::uint8_t rest[kRegisterBytes];
-            Store(rest, samples);
-            std::memcpy(to + x, rest, count - x);
-        }
+    const auto blended = [&](std::size_t x) {
+        return InOrder(Z3D_MM(packus_epi16)(BlendWords(upper + x, lower + x, weights),
+                                            BlendWords(upper + x + kHalf, lower + x + kHalf, weights)));
+    };
+    if (count >= kRegisterBytes) {
+        const std::size_t last = count - kRegisterBytes;
+        for (std::size_t x = 0; x < last; x += kRegisterBytes)
+            Store(to + x, blended(x));
+        Store(to + last, blended(last));
+    } else {
+        std::uint8_t samples[kRegisterBytes];
+        Store(samples, blended(0));
+        std::memcpy(to, samples, count);
     }
     LeaveVectorCode();
 }
@@ -51,13 +55,17 @@ void BlendFloatRows(const double* upper, const double* lower, double weight, std
     constexpr std::size_t kAtATime = sizeof(Doubles) / sizeof(double);
     const Doubles weights = Z3D_MM(set1_pd)(weight);
     const Doubles rests = Z3D_MM(set1_pd)(1.0 - weight);
-    for (std::size_t x = 0; x < count; x += kAtATime) {
-        const auto samples = BlendDoubles(upper + x, lower + x, weights, rests);
-        if (count - x >= kAtATime) {
-            std::memcpy(to + 4 * x, &samples, 4 * kAtATime);
-        } else {
-            std::memcpy(to + 4 * x, &samples, 4 * (count - x));
-        }
+    const auto blend = [&](std::size_t x, std::size_t samples) {
+        const auto blended = BlendDoubles(upper + x, lower + x, weights, rests);
+        std::memcpy(to + 4 * x, &blended, 4 * samples);
+    };
+    if (count >= kAtATime) {
+        const std::size_t last = count - kAtATime;
+        for (std::size_t x = 0; x < last; x += kAtATime)
+            blend(x, kAtATime);
+        blend(last, kAtATime);
+    } else {
+        blend(0, count);
     }
     LeaveVectorCode();
 }
