@@ -28,6 +28,14 @@ bool CanBeLoaded(const VolumeSize& stored, const VolumeSize& size) {
     return IsLength(stored.depth) && size.depth >= 0 && size.depth <= UINT16_MAX;
 }
 
+// Has the system provide the image's pages. It takes longer to do so when it finds them missing while it reads.
+void TouchPages(const frame::LockedImage& image) {
+    constexpr std::size_t kPageBytes = 4096;
+    for (std::size_t at = 0; at < image.ByteCount(); at += kPageBytes)
+        image.Bytes()[at] = 0;
+    image.Bytes()[image.ByteCount() - 1] = 0;
+}
+
 // One load, up to the resampling in depth.
 class SliceReader {
 public:
@@ -58,14 +66,12 @@ public:
 
 private:
     OwnedImage Read(platform::File& file) const {
-        // A slice that is resampled is freed at once, and the next one gets its memory, which is there already. One
-        // that stays gets fresh memory: the system takes longer to read into pages that nobody has touched than it
-        // takes to set them to zero first.
-        const auto allocate = resamplesPlane_ ? frame::AllocUnset2D : frame::GlobalAlloc2D;
-        OwnedImage slice(allocate(static_cast<std::uint32_t>(stored_.size.width),
-                                  static_cast<std::uint32_t>(stored_.size.height), stored_.is8bit ? 1 : 4));
+        OwnedImage slice(frame::AllocUnset2D(static_cast<std::uint32_t>(stored_.size.width),
+                                             static_cast<std::uint32_t>(stored_.size.height),
+                                             stored_.is8bit ? 1 : 4));
         const frame::LockedImage locked(slice.get());
         if (!locked) return nullptr;
+        TouchPages(locked);
         // A file that ends early leaves zeroes, and no error.
         const std::size_t got = file.Read(locked.Bytes(), locked.ByteCount());
         std::memset(locked.Bytes() + got, 0, locked.ByteCount() - got);
