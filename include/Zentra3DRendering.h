@@ -76,6 +76,19 @@ enum RenderMode {
     RenderModeFirstHit = 6
 };
 
+/* What GetRGBImage tells the host's ProgressCallback, and the answer that cancels it. */
+enum ProgressCode {
+    ProgressCodeFailed = 0,    /* the last call: no result, after a failure or a cancel */
+    ProgressCodeStart = 101,   /* a phase of work starts */
+    ProgressCodePercent = 102, /* how far the phase has come */
+    ProgressCodeNoGrey = 200   /* a conversion to grey cannot run */
+};
+enum ProgressAnswer { ProgressGoOn = 0, ProgressCancel = 200 };
+
+/* What a pixel without a contribution holds, in most modes and in the minimum: the lowest and the highest float. */
+#define Z3D_NO_VALUE (-3.402823466e+38F)
+#define Z3D_NO_MINIMUM 3.402823466e+38F
+
 #ifndef Z3D_RECORDS_ONLY /* the library's own sources define it: they have functions of the same names */
 
 /* ------------------------------------------------------------------------------------------------------ */
