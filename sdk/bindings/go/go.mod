@@ -1,0 +1,3 @@
+module zentra3d
+
+go 1.17
