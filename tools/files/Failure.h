@@ -1,0 +1,20 @@
+// Why a file could not be read or written: one sentence for the user.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace z3d::files {
+
+class FileFailure : public std::runtime_error {
+public:
+    explicit FileFailure(const std::string& sentence) : std::runtime_error(sentence) {}
+};
+
+// The caller's progress function asked to stop.
+class Cancelled : public std::runtime_error {
+public:
+    Cancelled() : std::runtime_error("interrupted") {}
+};
+
+} // namespace z3d::files
