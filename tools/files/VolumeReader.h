@@ -22,6 +22,7 @@
 
 namespace z3d::files {
 
+class FileSystem;
 class VolumeFormat;
 
 // Where the samples of a file without a header lie.
@@ -81,6 +82,7 @@ class VolumeReader {
 public:
     // Reads headers only.
     explicit VolumeReader(const VolumeSource& source);
+    VolumeReader(const VolumeSource& source, const FileSystem& files); // which must outlive the reader
     ~VolumeReader();
     VolumeReader(VolumeReader&&) noexcept;
     VolumeReader& operator=(VolumeReader&&) noexcept;

@@ -11,6 +11,8 @@ inline constexpr int kLongestAxis = 32767;
 
 struct VolumeSize {
     int width, height, depth;
+
+    bool operator==(const VolumeSize&) const = default;
 };
 
 // Voxels as the library takes them.
