@@ -1,9 +1,9 @@
 // zentra project: renders a volume file to pictures.
-#include <cmath>
 #include <memory>
 #include <optional>
 
 #include "Commands.h"
+#include "DisplayRange.h"
 #include "Interrupt.h"
 #include "Modes.h"
 #include "NrrdHeader.h"
@@ -19,13 +19,6 @@ namespace z3d::tools {
 namespace {
 
 constexpr int kMostFrames = 100000;
-
-enum class RangeKind { OfMode, Auto, Full, Fixed };
-
-struct RangeChoice {
-    RangeKind kind;
-    Interval fixed;
-};
 
 struct Options {
     std::string input;
@@ -46,15 +39,6 @@ struct Options {
     std::vector<std::string> outputs;
     bool quiet = false;
 };
-
-RangeChoice ParseRange(std::string_view text) {
-    if (text == "auto") return {RangeKind::Auto, {}};
-    if (text == "full") return {RangeKind::Full, {}};
-    const Interval fixed = ParseInterval(text);
-    if (!(fixed.low < fixed.high) || !std::isfinite(fixed.high - fixed.low))
-        throw BadArgument("'" + std::string(text) + "' is an empty or infinite range");
-    return {RangeKind::Fixed, fixed};
-}
 
 RawSource SourceOf(const Options& options) {
     const std::filesystem::path path = PathOf(options.input);
@@ -95,16 +79,6 @@ ProjectionRequest RequestOf(const Options& options, const RawSource& source) {
     const Interval everything = source.type == VoxelType::Rgb8 ? mode.colourWindow : mode.greyWindow;
     return {mode.number, mode.name, CropWithin(options.crop, source.size),
             options.window.value_or(everything), ExtraOf(options)};
-}
-
-Interval RangeFor(const RangeChoice& choice, const Mode& mode, bool colour, const Projection& projection) {
-    if (choice.kind == RangeKind::Fixed) return choice.fixed;
-    const bool autoByDefault = colour ? mode.colourAuto : mode.greyAuto;
-    if (choice.kind == RangeKind::Auto || (choice.kind == RangeKind::OfMode && autoByDefault))
-        return ContributionRange(projection);
-    Interval full = colour ? mode.colourFull : mode.greyFull;
-    if (std::isinf(full.high)) full.high = ContributionRange(projection).high;
-    return full;
 }
 
 // Renders one picture or a turn of them, and writes each at once.
