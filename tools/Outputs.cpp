@@ -63,7 +63,7 @@ void WriteOutput(const Output& output, PictureNumber picture, const Projection& 
     const std::filesystem::path path = Numbered(output.path, picture);
     switch (output.kind) {
     case OutputKind::Png:
-        WritePng(path, MakePicture(projection, display.colour, display.range, display.background));
+        WritePng(path, MakePicture(projection, display));
         break;
     case OutputKind::Pfm:
         WritePfm(path, projection);

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Projection.h"
+#include "Picture.h"
 
 namespace z3d::tools {
 
@@ -32,13 +32,6 @@ std::vector<std::filesystem::path> FilesOf(const std::vector<Output>& outputs, P
 // Fails when two of the files, or one of them and an input, are the same.
 void CheckDistinct(const std::vector<std::filesystem::path>& files,
                    const std::vector<std::filesystem::path>& inputs);
-
-// How the pixels of a picture file are made.
-struct Display {
-    bool colour;
-    Interval range;
-    Colour background;
-};
 
 void WriteOutput(const Output& output, PictureNumber picture, const Projection& projection,
                  const Display& display);

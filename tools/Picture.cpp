@@ -39,18 +39,44 @@ Interval ContributionRange(const Projection& projection) {
     return range.low <= range.high ? range : Interval{0, 1};
 }
 
-Picture MakePicture(const Projection& projection, bool colour, Interval range, Colour background) {
-    const uint8_t empty[] = {background.red, background.green, background.blue};
-    const bool coloured = colour || empty[0] != empty[1] || empty[1] != empty[2];
-    Picture picture = {projection.width, projection.height, coloured ? 3 : 1, {}};
-    const auto channels = static_cast<size_t>(picture.channels);
-    const size_t pixelCount = projection.FloatCount() / 3;
-    picture.bytes.resize(pixelCount * channels);
+namespace {
 
-    const Scale scale(range);
+Picture EmptyPicture(const Projection& projection, int channels) {
+    Picture picture = {projection.width, projection.height, channels, {}};
+    picture.bytes.resize(projection.FloatCount() / 3 * static_cast<size_t>(channels));
+    return picture;
+}
+
+// The three floats of a pixel are the same: the first stands for all.
+Picture ColouredGrey(const Projection& projection, const Display& display) {
+    Picture picture = EmptyPicture(projection, 3);
+    const std::array<Colour, 256>& colours = ColoursOf(display.palette);
+    const Scale scale(display.range);
     const float* pixel = projection.pixels.get();
     uint8_t* out = picture.bytes.data();
-    for (size_t i = 0; i < pixelCount; ++i, pixel += 3, out += channels)
+    for (size_t i = 0; i < projection.FloatCount() / 3; ++i, pixel += 3, out += 3) {
+        const Colour& colour = IsSentinel(*pixel) ? display.background : colours[scale(*pixel)];
+        out[0] = colour.red;
+        out[1] = colour.green;
+        out[2] = colour.blue;
+    }
+    return picture;
+}
+
+} // namespace
+
+Picture MakePicture(const Projection& projection, const Display& display) {
+    const uint8_t empty[] = {display.background.red, display.background.green, display.background.blue};
+    const bool greyBackground = empty[0] == empty[1] && empty[1] == empty[2];
+    if (!display.colour && (!greyBackground || display.palette != Palette::Grey))
+        return ColouredGrey(projection, display);
+
+    Picture picture = EmptyPicture(projection, display.colour ? 3 : 1);
+    const auto channels = static_cast<size_t>(picture.channels);
+    const Scale scale(display.range);
+    const float* pixel = projection.pixels.get();
+    uint8_t* out = picture.bytes.data();
+    for (size_t i = 0; i < projection.FloatCount() / 3; ++i, pixel += 3, out += channels)
         for (size_t c = 0; c < channels; ++c)
             out[c] = IsSentinel(pixel[c]) ? empty[c] : scale(pixel[c]);
     return picture;

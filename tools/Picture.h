@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "Palette.h"
 #include "Projection.h"
 
 namespace z3d::tools {
@@ -17,9 +18,17 @@ struct Picture {
 // From the least to the greatest float of the pixels that hold a contribution; 0 to 1 when there is none.
 Interval ContributionRange(const Projection& projection);
 
-// Black at the range's low end, white at its high end, linear between, saturated beyond. Pixels without a
-// contribution get the background. Colour pictures have three channels; grey ones have one unless the
-// background needs three.
-Picture MakePicture(const Projection& projection, bool colour, Interval range, Colour background);
+// How the pixels of a picture are made. The palette is for grey volumes.
+struct Display {
+    bool colour;
+    Interval range;
+    Colour background;
+    Palette palette = Palette::Grey;
+};
+
+// Black at the range's low end, white at its high end, linear between, saturated beyond; grey ones then take the
+// colours of the palette. Pixels without a contribution get the background. Pictures of colour volumes have
+// three channels; grey ones have one unless the palette or the background needs three.
+Picture MakePicture(const Projection& projection, const Display& display);
 
 } // namespace z3d::tools

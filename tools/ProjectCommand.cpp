@@ -34,6 +34,7 @@ struct Options {
     std::optional<float> attenuation;
     RangeChoice range = {};
     Colour background = {};
+    std::optional<Palette> palette;
     int frames = 0;
     std::optional<short> turnAxis;
     std::vector<std::string> outputs;
@@ -90,6 +91,7 @@ public:
           request_(RequestOf(options, source)),
           colour_(source.type == VoxelType::Rgb8) {
         const std::filesystem::path input = PathOf(options.input);
+        if (colour_ && options.palette) throw BadArgument("--palette is for grey volumes");
         for (int i = 0; i < PictureCount(); ++i)
             CheckDistinct(FilesOf(outputs_, NumberOf(i)), {input, source.path});
     }
@@ -120,7 +122,8 @@ private:
     void Write(const Projection& projection, int picture) {
         if (!range_) range_ = RangeFor(options_.range, *options_.mode, colour_, projection);
         for (const Output& output : outputs_)
-            WriteOutput(output, NumberOf(picture), projection, {colour_, *range_, options_.background});
+            WriteOutput(output, NumberOf(picture), projection,
+                        {colour_, *range_, options_.background, options_.palette.value_or(Palette::Grey)});
     }
 
     const Options& options_;
@@ -183,6 +186,8 @@ void AddPictures(CLI::App& command, Options& options) {
               "values shown from black to white in a .png (default: see the modes)");
     AddParsed(command, "--background", options.background, ParseColour, "R,G,B",
               "colour of pixels without a contribution in a .png (default 0,0,0)");
+    AddParsed(command, "--palette", options.palette, ParsePalette, "grey|fire|viridis",
+              "colours of the levels in a .png of a grey volume (default grey)");
     AddParsed(
         command, "--turntable", options.frames,
         [](std::string_view text) { return ParseWhole(text, 1, kMostFrames); }, "N",

@@ -102,3 +102,33 @@ class Modes(ToolTest):
 
     def test_first_hit_passes_what_is_outside_the_window(self):
         self.assertEqual(self.step("--mode", "first", "--window", "1:255"), [[200] * 4] * 4)
+
+
+class Palettes(ToolTest):
+    def test_levels_take_the_colours_of_the_palette_and_empty_pixels_the_background(self):
+        self.project(*self.grey_volume(), *MAX, "--window", "21:100", "--range", "21:100", "--palette", "viridis")
+        empty, darkest, brightest = (0, 0, 0), (68, 1, 84), (253, 231, 37)
+        rows = png(self.read("a.png"))[2]
+        self.assertEqual(rows[0][:2], [empty, darkest])
+        self.assertEqual(rows[1], [empty, brightest, empty, empty])
+
+    def test_fire_goes_from_black_to_white_and_brightens_with_every_level(self):
+        self.write("ramp.raw", range(256))
+        self.project("ramp.raw", "--size", "256x1x1", "--type", "uint8", *MAX, "--palette", "fire")
+        row = png(self.read("a.png"))[2][0]
+        self.assertEqual((row[0], row[255]), ((0, 0, 0), (255, 255, 255)))
+        brightness = [299 * red + 587 * green + 114 * blue for red, green, blue in row]
+        self.assertTrue(all(a < b for a, b in zip(brightness, brightness[1:])))
+
+    def test_grey_changes_nothing(self):
+        self.project(*self.grey_volume(), *MAX)
+        self.project(*self.grey_volume(), "--mode", "max", "-o", "b.png", "--palette", "grey")
+        self.assertEqual(self.read("a.png"), self.read("b.png"))
+
+    def test_colour_volumes_have_their_own_colours(self):
+        self.refuse_project(2, "--palette is for grey volumes", *self.colour_volume(), *MAX, "--palette", "fire")
+
+    def test_an_unknown_palette(self):
+        code, out, err = self.run_tool("project", *self.grey_volume(), *MAX, "--palette", "jet")
+        self.assertEqual((code, out), (2, ""))
+        self.assertIn("'jet' is none of the palettes grey, fire, viridis", err)
