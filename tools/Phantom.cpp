@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <vector>
 
 #include "Colour.h"
 #include "Failure.h"
@@ -55,9 +56,10 @@ double Distance(const Point& point, const Ellipsoid& part) {
     return std::sqrt(x * x + y * y + z * z);
 }
 
+constexpr double kEdgeVoxels = 4;
+
 // How much of a voxel a part fills: its edge is spread over a few voxels, as in a scan.
 double Coverage(const Point& point, const Ellipsoid& part, double halfAxis) {
-    constexpr double kEdgeVoxels = 4;
     const double depth =
         (1 - Distance(point, part)) * std::min({part.radius.x, part.radius.y, part.radius.z});
     return std::clamp(0.5 + depth * halfAxis / kEdgeVoxels, 0.0, 1.0);
@@ -65,41 +67,67 @@ double Coverage(const Point& point, const Ellipsoid& part, double halfAxis) {
 
 using Channels = std::array<double, 3>;
 
-Channels ChannelsAt(const Point& point, VoxelType type, double halfAxis) {
-    Channels channels = {};
-    for (const Ellipsoid& part : kParts) {
-        const double coverage = Coverage(point, part, halfAxis);
-        const Channels own =
-            type == VoxelType::Rgb8
-                ? Channels{double(part.colour.red), double(part.colour.green), double(part.colour.blue)}
-                : Channels{double(part.grey), 0, 0};
-        for (size_t c = 0; c < 3; ++c)
-            channels[c] += (own[c] - channels[c]) * coverage;
-    }
-    return channels;
+Channels OwnChannels(const Ellipsoid& part, VoxelType type) {
+    if (type == VoxelType::Grey8) return {double(part.grey), 0, 0};
+    return {double(part.colour.red), double(part.colour.green), double(part.colour.blue)};
 }
 
 double Coordinate(int index, int length) { return length == 1 ? 0 : 2.0 * index / (length - 1) - 1; }
 
+struct Columns {
+    int first, end;
+};
+
+// The voxels of a row that a part with its edge can reach, and a few more: the rest of the row it leaves alone.
+Columns ReachOf(const Ellipsoid& part, const Point& row, int width, double halfAxis) {
+    const double least = std::min({part.radius.x, part.radius.y, part.radius.z});
+    const double reach = 1 + kEdgeVoxels / 2 / (least * halfAxis) + 0.001;
+    const double y = (row.y - part.centre.y) / part.radius.y;
+    const double z = (row.z - part.centre.z) / part.radius.z;
+    const double left = reach * reach - y * y - z * z;
+    if (left < 0) return {0, 0};
+    const double half = std::sqrt(left) * part.radius.x;
+    const double voxels = (width - 1) / 2.0;
+    const auto column = [&](double x) {
+        return static_cast<int>(std::clamp((x + 1) * voxels, 0.0, static_cast<double>(width)));
+    };
+    return {std::max(0, column(part.centre.x - half) - 1), std::min(width, column(part.centre.x + half) + 2)};
+}
+
+void PaintRow(std::vector<Channels>& row, Point point, VoxelType type, double halfAxis) {
+    const auto width = static_cast<int>(row.size());
+    std::ranges::fill(row, Channels{});
+    for (const Ellipsoid& part : kParts) {
+        const Channels own = OwnChannels(part, type);
+        const Columns reach = ReachOf(part, point, width, halfAxis);
+        for (int x = reach.first; x < reach.end; ++x) {
+            point.x = Coordinate(x, width);
+            const double coverage = Coverage(point, part, halfAxis);
+            Channels& channels = row[static_cast<size_t>(x)];
+            for (size_t c = 0; c < BytesPerVoxel(type); ++c)
+                channels[c] += (own[c] - channels[c]) * coverage;
+        }
+    }
+}
+
 } // namespace
 
-VolumeOwner MakePhantom(const VolumeSize& size, VoxelType type) {
+VolumeOwner MakePhantom(const VolumeSize& size, VoxelType type, const std::function<bool(double)>& progress) {
     VolumeOwner volume = MakeVolume(size, type);
     const VolumeLock lock(*volume);
     if (!lock.Held()) throw Failure("not enough memory to fill the volume");
     const double halfAxis = std::max({size.width, size.height, size.depth}) / 2.0;
-    const size_t bytesPerVoxel = BytesPerVoxel(type);
+    std::vector<Channels> row(static_cast<size_t>(size.width));
     for (int z = 0; z < size.depth; ++z) {
         StopIfInterrupted();
+        if (progress && !progress(1.0 * z / size.depth)) throw Failure("cancelled");
         unsigned char* voxel = lock.Slice(z);
-        for (int y = 0; y < size.height; ++y)
-            for (int x = 0; x < size.width; ++x, voxel += bytesPerVoxel) {
-                const Point point = {Coordinate(x, size.width), Coordinate(y, size.height),
-                                     Coordinate(z, size.depth)};
-                const Channels channels = ChannelsAt(point, type, halfAxis);
-                for (size_t c = 0; c < bytesPerVoxel; ++c)
-                    voxel[c] = static_cast<uint8_t>(std::lround(channels[c]));
-            }
+        for (int y = 0; y < size.height; ++y) {
+            PaintRow(row, {0, Coordinate(y, size.height), Coordinate(z, size.depth)}, type, halfAxis);
+            for (const Channels& channels : row)
+                for (size_t c = 0; c < BytesPerVoxel(type); ++c)
+                    *voxel++ = static_cast<uint8_t>(channels[c] + 0.5);
+        }
     }
     return volume;
 }
