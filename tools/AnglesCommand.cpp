@@ -19,12 +19,16 @@ constexpr char kHelp[] = R"(
   The matrix of an order such as zxy is R(z) * R(x) * R(y) and acts on columns; angles are always given and
   printed about x, y and z, in degrees, whatever the order. A positive angle about x turns y towards z, one
   about z turns x towards y, and one about y turns z towards -x. Angles can be found for the orders xyz, zxy
-  and yzx; --from takes any order. Where two axes coincide (a middle angle of 90 or -90) the first angle is 0.
+  and yzx, and without --to for all three; --from takes any order. Where two axes coincide (a middle angle of
+  90 or -90) the first angle is 0.
 
 Examples
   zentra angles --matrix 0,-1,0,1,0,0,0,0,1 --order zxy
+  zentra angles 30,40,50
   zentra angles --from xyz --to zxy 30,40,50
 )";
+
+constexpr AxisOrder kXyz = {{0, 1, 2}};
 
 struct Options {
     std::optional<Rotation> matrix;
@@ -75,21 +79,31 @@ std::array<float, 3> AnglesOf(const Rotation& matrix, const AxisOrder& order) {
     return angles;
 }
 
+void PrintAngles(const char* name, const Rotation& matrix, const AxisOrder& order) {
+    const auto [x, y, z] = AnglesOf(matrix, order);
+    if (std::isnan(x) || std::isnan(y) || std::isnan(z))
+        throw BadArgument("--matrix: an element beyond 1 belongs to no rotation");
+    PrintOut(Format("%s%.9g,%.9g,%.9g\n", name, double{x}, double{y}, double{z}));
+}
+
 void RunAngles(const Options& options) {
     if (options.matrix.has_value() == options.angles.has_value())
         throw BadArgument("either --matrix or ANGLES is wanted");
     if (options.matrix && (options.from || options.to))
         throw BadArgument("--from and --to belong to ANGLES; a matrix takes --order");
-    if (options.angles && (!options.from || !options.to || options.order))
-        throw BadArgument("ANGLES take --from and --to");
+    if (options.angles && options.order)
+        throw BadArgument("--order belongs to --matrix; ANGLES take --from and --to");
     if (options.matrix && !IsRotation(*options.matrix)) throw BadArgument("--matrix: this is no rotation");
 
-    const Rotation matrix = options.matrix ? *options.matrix : MakeRotation(*options.from, *options.angles);
-    const AxisOrder order = options.matrix ? options.order.value_or(AxisOrder{{0, 1, 2}}) : *options.to;
-    const auto [x, y, z] = AnglesOf(matrix, order);
-    if (std::isnan(x) || std::isnan(y) || std::isnan(z))
-        throw BadArgument("--matrix: an element beyond 1 belongs to no rotation");
-    PrintOut(Format("%.9g,%.9g,%.9g\n", double{x}, double{y}, double{z}));
+    const Rotation matrix =
+        options.matrix ? *options.matrix : MakeRotation(options.from.value_or(kXyz), *options.angles);
+    if (options.matrix || options.to) {
+        PrintAngles("", matrix, options.matrix ? options.order.value_or(kXyz) : *options.to);
+        return;
+    }
+    PrintAngles("xyz ", matrix, kXyz);
+    PrintAngles("zxy ", matrix, AxisOrder{{2, 0, 1}});
+    PrintAngles("yzx ", matrix, AxisOrder{{1, 2, 0}});
 }
 
 } // namespace
@@ -104,7 +118,7 @@ void AddAnglesCommand(CLI::App& program) {
     AddParsed(command, "--order", options->order, ParseFoundOrder, "xyz|zxy|yzx",
               "order of the angles of the matrix, leftmost factor first (default xyz)");
     AddParsed(command, "ANGLES", options->angles, ParseAngles, "", "degrees about x, y and z, e.g. 30,40,50");
-    AddParsed(command, "--from", options->from, ParseOrder, "xyz", "order of the given angles");
+    AddParsed(command, "--from", options->from, ParseOrder, "xyz", "order of the given angles (default xyz)");
     AddParsed(command, "--to", options->to, ParseFoundOrder, "xyz|zxy|yzx", "order of the printed angles");
     command.footer(kHelp);
     command.callback([options] { RunAngles(*options); });

@@ -26,6 +26,11 @@ std::vector<std::string_view> Pieces(std::string_view text, char separator, size
     return pieces;
 }
 
+constexpr files::SampleType kStoredTypes[] = {
+    files::SampleType::Uint8,  files::SampleType::Rgb8,    files::SampleType::Int16,
+    files::SampleType::Uint16, files::SampleType::Float32, files::SampleType::Int8,
+    files::SampleType::Int32,  files::SampleType::Uint32,  files::SampleType::Float64};
+
 struct Bounds {
     short first, last;
 };
@@ -77,14 +82,40 @@ uint64_t ParseByteCount(std::string_view text) {
 }
 
 VolumeSize ParseSize(std::string_view text) {
-    const auto axes = Pieces(text, 'x', 3, "181x217x181 (width x height x depth)");
+    const std::string lower = LowerCase(text);
+    const auto axes = Pieces(lower, 'x', 3, "181x217x181 (width x height x depth)");
     return {ParseAxisLength(axes[0]), ParseAxisLength(axes[1]), ParseAxisLength(axes[2])};
 }
 
 VoxelType ParseVoxelType(std::string_view text) {
-    if (text == "uint8") return VoxelType::Grey8;
-    if (text == "rgb8") return VoxelType::Rgb8;
+    const std::string lower = LowerCase(text);
+    if (lower == "uint8") return VoxelType::Grey8;
+    if (lower == "rgb8") return VoxelType::Rgb8;
     throw BadArgument(Quoted(text) + " is neither uint8 nor rgb8");
+}
+
+files::SampleType ParseStoredType(std::string_view text) {
+    const std::string lower = LowerCase(text);
+    for (const files::SampleType type : kStoredTypes)
+        if (lower == files::NameOf(type)) return type;
+    throw BadArgument(Quoted(text) + " is none of the types " + StoredTypeNames(", "));
+}
+
+std::string StoredTypeNames(const char* separator) {
+    std::string names;
+    for (const files::SampleType type : kStoredTypes)
+        names += (names.empty() ? "" : separator) + std::string(files::NameOf(type));
+    return names;
+}
+
+files::Spacing ParseSpacing(std::string_view text) {
+    const auto pieces = Pieces(text, ',', 3, "1,1,2.5 (distance of voxels along x, y and z)");
+    const auto distance = [&](size_t i) {
+        const double number = ParseFiniteDouble(pieces[i]);
+        if (number <= 0) throw BadArgument(Quoted(pieces[i]) + " is not a distance above 0");
+        return number;
+    };
+    return {distance(0), distance(1), distance(2)};
 }
 
 std::array<float, 3> ParseAngles(std::string_view text) {
@@ -96,7 +127,8 @@ std::array<float, 3> ParseAngles(std::string_view text) {
 }
 
 short ParseAxis(std::string_view text) {
-    if (text.size() == 1 && text[0] >= 'x' && text[0] <= 'z') return static_cast<short>(text[0] - 'x');
+    const std::string lower = LowerCase(text);
+    if (lower.size() == 1 && lower[0] >= 'x' && lower[0] <= 'z') return static_cast<short>(lower[0] - 'x');
     throw BadArgument(Quoted(text) + " is none of the axes x, y, z");
 }
 

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "Colour.h"
@@ -30,16 +31,25 @@ int ParseAxisLength(std::string_view text);
 
 uint64_t ParseByteCount(std::string_view text);
 
-// "181x217x181"
+// "181x217x181", the x large or small
 VolumeSize ParseSize(std::string_view text);
 
 // "uint8" or "rgb8"
 VoxelType ParseVoxelType(std::string_view text);
 
+// "uint8", "int16", ... "rgb8"
+files::SampleType ParseStoredType(std::string_view text);
+
+// Their names, for help.
+std::string StoredTypeNames(const char* separator);
+
+// "1,1,2.5": distances of voxels along x, y and z, each above 0.
+files::Spacing ParseSpacing(std::string_view text);
+
 // "30,40,50"
 std::array<float, 3> ParseAngles(std::string_view text);
 
-// "zxy": each axis once, leftmost factor first.
+// "zxy", large or small: each axis once, leftmost factor first.
 AxisOrder ParseOrder(std::string_view text);
 
 // "x", "y" or "z" as 0, 1 or 2.

@@ -21,13 +21,13 @@ uint64_t BytesOf(const VolumeSize& size, SampleType type) {
            * static_cast<uint64_t>(size.height) * static_cast<uint64_t>(size.depth);
 }
 
+// Every name has a short form of plain letters where the file system keeps one.
 std::string CodePageName(const std::filesystem::path& path) {
-    const std::optional<std::string> name = InCodePage(path.native());
-    if (!name)
-        throw Failure("cannot open " + Shown(path)
-                      + ": the library takes names in the system's 8-bit code page, which lacks a letter of "
-                        "this one; rename it, or start in its folder");
-    return *name;
+    if (const std::optional<std::string> name = InCodePage(path.native())) return *name;
+    if (const std::optional<std::string> name = InCodePage(ShortName(path))) return *name;
+    throw Failure("cannot open " + Shown(path)
+                  + ": the library takes names in the system's 8-bit code page, which lacks a letter of this "
+                    "one, and the file system has no short name for it; rename it, or start in its folder");
 }
 
 // Draws the phases of a load as they come.
@@ -77,10 +77,6 @@ int Z3D_CALL OnProgress(unsigned int user, int code, unsigned int value) noexcep
     } catch (...) {
     }
     return Interrupted() ? kCancel : kGoOn;
-}
-
-VoxelType TypeOf(const Volume3D& volume) {
-    return volume.slices[0]->bytesPerPixel == 3 ? VoxelType::Rgb8 : VoxelType::Grey8;
 }
 
 } // namespace

@@ -8,6 +8,7 @@ class App;
 namespace z3d::tools {
 
 void AddProjectCommand(CLI::App& program);
+void AddConvertCommand(CLI::App& program);
 void AddColourCommand(CLI::App& program);
 void AddPhantomCommand(CLI::App& program);
 void AddAnglesCommand(CLI::App& program);

@@ -40,6 +40,14 @@ Failure FileFailure(const char* what, const std::filesystem::path& path, DWORD e
     return Failure(Format("cannot %s %s: %s", what, Shown(path).c_str(), reason.c_str()));
 }
 
+void CheckReplaceable(const std::filesystem::path& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return;
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) throw FileFailure("write", path, ERROR_ACCESS_DENIED);
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0)
+        throw Failure("cannot write " + Shown(path) + ": it is read-only");
+}
+
 std::wstring FullName(const std::filesystem::path& path) {
     std::wstring name(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
     name.resize(GetFullPathNameW(path.c_str(), static_cast<DWORD>(name.size()), name.data(), nullptr));
@@ -72,17 +80,22 @@ void InputFile::Read(void* bytes, uint32_t count) {
     if (got != count) throw Failure("cannot read " + Shown(path_) + ": it ends early");
 }
 
-OutputFile::OutputFile(const std::filesystem::path& path)
-    : path_(path),
-      handle_(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                          nullptr)) {
-    if (handle_ == INVALID_HANDLE_VALUE) throw FileFailure("write", path, GetLastError());
+OutputFile::OutputFile(const std::filesystem::path& path) : path_(path) {
+    CheckReplaceable(path);
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        unfinished_ = path;
+        unfinished_ += Wide(Format(".%d.unfinished", attempt));
+        handle_ = CreateFileW(unfinished_.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                              FILE_ATTRIBUTE_NORMAL, nullptr);
+        if (handle_ != INVALID_HANDLE_VALUE) return;
+        if (GetLastError() != ERROR_FILE_EXISTS) break;
+    }
+    throw FileFailure("write", path, GetLastError());
 }
 
 OutputFile::~OutputFile() {
-    if (handle_ == nullptr) return;
-    CloseHandle(handle_);
-    DeleteFileW(path_.c_str());
+    if (handle_ != nullptr) CloseHandle(handle_);
+    if (!unfinished_.empty()) DeleteFileW(unfinished_.c_str());
 }
 
 void OutputFile::Write(const void* bytes, size_t count) {
@@ -95,7 +108,15 @@ void OutputFile::Write(const void* bytes, size_t count) {
 void OutputFile::Commit() {
     const bool closed = CloseHandle(handle_) != 0;
     handle_ = nullptr;
-    if (!closed) throw FileFailure("write", path_, GetLastError());
+    if (!closed || MoveFileExW(unfinished_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING) == 0)
+        throw FileFailure("write", path_, GetLastError());
+    unfinished_.clear();
+}
+
+std::wstring ShortName(const std::filesystem::path& path) {
+    std::wstring name(32768, L'\0');
+    name.resize(GetShortPathNameW(path.c_str(), name.data(), static_cast<DWORD>(name.size())));
+    return name.empty() ? path.native() : name;
 }
 
 bool SameFile(const std::filesystem::path& a, const std::filesystem::path& b) {

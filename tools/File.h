@@ -27,8 +27,9 @@ private:
     uint64_t size_ = 0;
 };
 
-// A file that is new or replaces an older one. Until Commit it counts as unfinished and is deleted again when
-// the object goes.
+// A file that is new or replaces an older one. It is written beside its place under a name of its own, and takes
+// its place in Commit: until then the older one stays as it is, and nothing is left when the object goes. A folder
+// or a read-only file in its place is a failure at once.
 class OutputFile {
 public:
     explicit OutputFile(const std::filesystem::path& path);
@@ -42,10 +43,14 @@ public:
 
 private:
     std::filesystem::path path_;
+    std::filesystem::path unfinished_;
     void* handle_;
 };
 
 // Whether two paths name the same place, whatever the spelling.
 bool SameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
+// The name in short form, as old programs take it; the same name where there is none.
+std::wstring ShortName(const std::filesystem::path& path);
 
 } // namespace z3d::tools

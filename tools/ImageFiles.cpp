@@ -4,6 +4,27 @@
 #include "File.h"
 #include "Text.h"
 
+#include <zlib.h>
+
+#include <cstdlib>
+
+namespace {
+
+// zlib packs better than the small packer of the PNG writer, which takes the block and frees it.
+unsigned char* PackForPng(unsigned char* data, int length, int* packedLength, int /*quality*/) {
+    uLongf packed = compressBound(static_cast<uLong>(length));
+    auto* const block = static_cast<unsigned char*>(std::malloc(packed));
+    if (block == nullptr || compress2(block, &packed, data, static_cast<uLong>(length), 6) != Z_OK) {
+        std::free(block);
+        return nullptr;
+    }
+    *packedLength = static_cast<int>(packed);
+    return block;
+}
+
+} // namespace
+
+#define STBIW_ZLIB_COMPRESS PackForPng
 #define STB_IMAGE_WRITE_IMPLEMENTATION
 #define STB_IMAGE_WRITE_STATIC
 #define STBI_WRITE_NO_STDIO
@@ -20,12 +41,18 @@ void Collect(void* context, void* bytes, int count) {
 
 } // namespace
 
-void WritePng(const std::filesystem::path& path, const Picture& picture) {
+std::string EncodePng(const Picture& picture) {
     std::string encoded;
     if (stbi_write_png_to_func(Collect, &encoded, picture.width, picture.height, picture.channels,
                                picture.bytes.data(), picture.width * picture.channels)
         == 0)
-        throw Failure("not enough memory to encode " + Shown(path));
+        throw Failure(
+            Format("not enough memory to encode a picture of %dx%d", picture.width, picture.height));
+    return encoded;
+}
+
+void WritePng(const std::filesystem::path& path, const Picture& picture) {
+    const std::string encoded = EncodePng(picture);
     OutputFile file(path);
     file.Write(encoded);
     file.Commit();

@@ -2,10 +2,14 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 
 #include "Picture.h"
 
 namespace z3d::tools {
+
+// The bytes of a PNG file.
+std::string EncodePng(const Picture& picture);
 
 void WritePng(const std::filesystem::path& path, const Picture& picture);
 

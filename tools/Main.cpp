@@ -14,6 +14,7 @@
 #include "Interrupt.h"
 #include "Text.h"
 #include "Version.h"
+#include "files/Failure.h"
 
 using namespace z3d::tools;
 
@@ -37,7 +38,10 @@ void Describe(CLI::App& program) {
                    "Exit codes: 0 done, 1 failed, 2 wrong arguments, 130 interrupted with Ctrl+C.");
     program.get_formatter()->column_width(32);
     program.set_version_flag("--version", VersionText);
+    // A slash begins a path, not an option.
+    program.allow_windows_style_options(false);
     AddProjectCommand(program);
+    AddConvertCommand(program);
     AddColourCommand(program);
     AddPhantomCommand(program);
     AddAnglesCommand(program);
@@ -97,6 +101,8 @@ int main() {
         return Run(program);
     } catch (const Failure& failure) {
         return Fail(failure.what(), failure.ExitCode());
+    } catch (const z3d::files::Cancelled& cancel) {
+        return Fail(cancel.what(), kExitInterrupted);
     } catch (const std::bad_alloc&) {
         return Fail("not enough memory", kExitFailure);
     } catch (const std::exception& problem) {

@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "Failure.h"
+#include "Text.h"
 
 namespace z3d::tools {
 
@@ -55,11 +56,18 @@ constexpr Mode kModes[] = {
 
 } // namespace
 
+float EmptyPixelOf(const Mode& mode) {
+    if (mode.number == RenderModeSurface) return 0;
+    const float greatest = std::numeric_limits<float>::max();
+    return mode.number == RenderModeMinimum ? greatest : -greatest;
+}
+
 std::span<const Mode> Modes() { return kModes; }
 
 const Mode& ModeNamed(std::string_view name) {
+    const std::string lower = LowerCase(name);
     for (const Mode& mode : kModes)
-        if (name == mode.name) return mode;
+        if (lower == mode.name) return mode;
     throw BadArgument("'" + std::string(name) + "' is none of the modes " + ModeNames());
 }
 

@@ -27,6 +27,9 @@ struct Mode {
     const char* summary;
 };
 
+// What a pixel holds that no ray of the volume reaches.
+float EmptyPixelOf(const Mode& mode);
+
 std::span<const Mode> Modes();
 
 // Fails with a BadArgument that lists the names.

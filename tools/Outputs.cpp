@@ -1,5 +1,7 @@
 #include "Outputs.h"
 
+#include <algorithm>
+
 #include "Failure.h"
 #include "File.h"
 #include "ImageFiles.h"
@@ -12,9 +14,10 @@ namespace {
 OutputKind KindOf(const std::filesystem::path& path) {
     const std::string extension = LowerCase(Shown(path.extension()));
     if (extension == ".png") return OutputKind::Png;
+    if (extension == ".apng") return OutputKind::Apng;
     if (extension == ".pfm") return OutputKind::Pfm;
     if (extension == ".nhdr") return OutputKind::Nrrd;
-    throw BadArgument("'" + Shown(path) + "' does not end in .png, .pfm or .nhdr");
+    throw BadArgument("'" + Shown(path) + "' does not end in .png, .apng, .pfm or .nhdr");
 }
 
 std::filesystem::path Numbered(const std::filesystem::path& path, PictureNumber picture) {
@@ -38,10 +41,14 @@ std::vector<Output> ParseOutputs(const std::vector<std::string>& names) {
     return outputs;
 }
 
+bool AnyOf(const std::vector<Output>& outputs, OutputKind kind) {
+    return std::ranges::any_of(outputs, [kind](const Output& output) { return output.kind == kind; });
+}
+
 std::vector<std::filesystem::path> FilesOf(const std::vector<Output>& outputs, PictureNumber picture) {
     std::vector<std::filesystem::path> files;
     for (const Output& output : outputs) {
-        files.push_back(Numbered(output.path, picture));
+        files.push_back(output.kind == OutputKind::Apng ? output.path : Numbered(output.path, picture));
         if (output.kind == OutputKind::Nrrd) files.push_back(DataFileOf(files.back()));
     }
     return files;
@@ -59,11 +66,16 @@ void CheckDistinct(const std::vector<std::filesystem::path>& files,
 }
 
 void WriteOutput(const Output& output, PictureNumber picture, const Projection& projection,
-                 const Display& display) {
+                 const std::string& png) {
     const std::filesystem::path path = Numbered(output.path, picture);
     switch (output.kind) {
-    case OutputKind::Png:
-        WritePng(path, MakePicture(projection, display));
+    case OutputKind::Png: {
+        OutputFile file(path);
+        file.Write(png);
+        file.Commit();
+        break;
+    }
+    case OutputKind::Apng:
         break;
     case OutputKind::Pfm:
         WritePfm(path, projection);

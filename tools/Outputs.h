@@ -9,7 +9,7 @@
 
 namespace z3d::tools {
 
-enum class OutputKind { Png, Pfm, Nrrd };
+enum class OutputKind { Png, Apng, Pfm, Nrrd };
 
 struct Output {
     OutputKind kind;
@@ -23,17 +23,20 @@ struct PictureNumber {
     int digits;
 };
 
-// Kinds by extension: .png, .pfm, .nhdr.
+// Kinds by extension: .png, .apng, .pfm, .nhdr.
 std::vector<Output> ParseOutputs(const std::vector<std::string>& names);
 
-// Every file that writing `outputs` under one number makes.
+bool AnyOf(const std::vector<Output>& outputs, OutputKind kind);
+
+// Every file that writing `outputs` under one number makes; an animation holds all numbers.
 std::vector<std::filesystem::path> FilesOf(const std::vector<Output>& outputs, PictureNumber picture);
 
 // Fails when two of the files, or one of them and an input, are the same.
 void CheckDistinct(const std::vector<std::filesystem::path>& files,
                    const std::vector<std::filesystem::path>& inputs);
 
+// Writes a picture, or the floats of a projection, as the output's kind asks for. An animation is not written here.
 void WriteOutput(const Output& output, PictureNumber picture, const Projection& projection,
-                 const Display& display);
+                 const std::string& png);
 
 } // namespace z3d::tools

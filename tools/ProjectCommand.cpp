@@ -3,33 +3,33 @@
 #include <optional>
 
 #include "Commands.h"
+#include "Console.h"
 #include "DisplayRange.h"
-#include "Interrupt.h"
 #include "Modes.h"
-#include "NrrdHeader.h"
 #include "Options.h"
 #include "Outputs.h"
 #include "Picture.h"
 #include "ProjectHelp.h"
-#include "Report.h"
 #include "Text.h"
+#include "Turn.h"
+#include "VolumeInput.h"
 
 namespace z3d::tools {
 
 namespace {
 
 constexpr int kMostFrames = 100000;
+constexpr int kMostJobs = 64;
+constexpr int kPicturesPerSecond = 25;
 
 struct Options {
-    std::string input;
-    std::optional<VolumeSize> size;
-    std::optional<VoxelType> type;
-    std::optional<uint64_t> offset;
+    VolumeInputOptions input;
     const Mode* mode = nullptr;
     std::array<float, 3> angles = {};
     AxisOrder order = {{0, 1, 2}};
     std::optional<CropBox> crop;
     std::optional<Interval> window;
+    bool fileUnits = false;
     std::optional<float> transparency;
     std::optional<float> attenuation;
     RangeChoice range = {};
@@ -37,20 +37,17 @@ struct Options {
     std::optional<Palette> palette;
     int frames = 0;
     std::optional<short> turnAxis;
+    std::optional<int> picturesPerSecond;
+    std::optional<int> jobs;
     std::vector<std::string> outputs;
     bool quiet = false;
 };
 
-RawSource SourceOf(const Options& options) {
-    const std::filesystem::path path = PathOf(options.input);
-    const bool describesItself = IsNrrdName(path);
-    if (describesItself && (options.size || options.type || options.offset))
-        throw BadArgument("--size, --type and --offset are for raw files; " + options.input
-                          + " has a header");
-    if (describesItself) return ReadNrrdHeader(path);
-    if (!options.size) throw BadArgument("--size is required for a raw file");
-    if (!options.type) throw BadArgument("--type is required for a raw file");
-    return {path, *options.size, *options.type, options.offset.value_or(0)};
+float ParseTransparency(std::string_view text) {
+    const float transparency = ParseFinite(text);
+    if (transparency < 0 || transparency > 1)
+        throw BadArgument("'" + std::string(text) + "' is not a transparency from 0 to 1");
+    return transparency;
 }
 
 CropBox CropWithin(const std::optional<CropBox>& wanted, const VolumeSize& size) {
@@ -75,84 +72,74 @@ float ExtraOf(const Options& options) {
     return options.transparency.value_or(options.attenuation.value_or(mode.defaultExtra));
 }
 
-ProjectionRequest RequestOf(const Options& options, const RawSource& source) {
-    const Mode& mode = *options.mode;
-    const Interval everything = source.type == VoxelType::Rgb8 ? mode.colourWindow : mode.greyWindow;
-    return {mode.number, mode.name, CropWithin(options.crop, source.size),
-            options.window.value_or(everything), ExtraOf(options)};
+// A window in the file's units, in bytes. Infinite ends stay so.
+Interval WindowInBytes(const Interval& window, const files::ValueRange& input) {
+    const double factor = 255 / (input.high - input.low);
+    return {static_cast<float>((window.low - input.low) * factor),
+            static_cast<float>((window.high - input.low) * factor)};
 }
 
-// Renders one picture or a turn of them, and writes each at once.
-class Renderer {
-public:
-    Renderer(const Options& options, const RawSource& source)
-        : options_(options),
-          outputs_(ParseOutputs(options.outputs)),
-          request_(RequestOf(options, source)),
-          colour_(source.type == VoxelType::Rgb8) {
-        const std::filesystem::path input = PathOf(options.input);
-        if (colour_ && options.palette) throw BadArgument("--palette is for grey volumes");
-        for (int i = 0; i < PictureCount(); ++i)
-            CheckDistinct(FilesOf(outputs_, NumberOf(i)), {input, source.path});
+Interval WindowOf(const Options& options, VoxelType type, const files::ValueRange& input) {
+    const Mode& mode = *options.mode;
+    if (!options.window) return type == VoxelType::Rgb8 ? mode.colourWindow : mode.greyWindow;
+    return options.fileUnits ? WindowInBytes(*options.window, input) : *options.window;
+}
+
+std::vector<Rotation> ViewsOf(const Options& options) {
+    const Rotation first = MakeRotation(options.order, options.angles);
+    std::vector<Rotation> views = {first};
+    for (int i = 1; i < options.frames; ++i)
+        views.push_back(TurnAboutViewAxis(first, options.turnAxis.value_or(1),
+                                          static_cast<float>(360.0 * i / options.frames)));
+    return views;
+}
+
+// What can be told without the volume.
+void CheckOptions(const Options& options) {
+    if (options.frames == 0) {
+        if (options.turnAxis) throw BadArgument("--axis belongs to --turntable");
+        if (options.picturesPerSecond) throw BadArgument("--fps belongs to --turntable");
+        if (options.jobs) throw BadArgument("--jobs belongs to --turntable");
+        if (AnyOf(ParseOutputs(options.outputs), OutputKind::Apng))
+            throw BadArgument("an .apng file is for --turntable");
     }
-
-    void Run(Volume3D& volume) {
-        const Rotation first = MakeRotation(options_.order, options_.angles);
-        Report report(options_.quiet, PictureCount());
-        for (int i = 0; i < PictureCount(); ++i) {
-            StopIfInterrupted();
-            const auto degrees = static_cast<float>(360.0 * i / PictureCount());
-            const Rotation view = TurnAboutViewAxis(first, options_.turnAxis.value_or(1), degrees);
-            const Projection projection = Project(volume, i == 0 ? first : view, request_);
-            Write(projection, i);
-            report.Done(projection, FilesOf(outputs_, NumberOf(i)));
-        }
-        report.Finish();
-    }
-
-private:
-    int PictureCount() const { return options_.frames == 0 ? 1 : options_.frames; }
-
-    PictureNumber NumberOf(int picture) const {
-        if (options_.frames == 0) return {0, 0};
-        return {picture, std::max(3, static_cast<int>(std::to_string(options_.frames - 1).size()))};
-    }
-
-    // A turn keeps the range of its first picture: brightness must not flicker.
-    void Write(const Projection& projection, int picture) {
-        if (!range_) range_ = RangeFor(options_.range, *options_.mode, colour_, projection);
-        for (const Output& output : outputs_)
-            WriteOutput(output, NumberOf(picture), projection,
-                        {colour_, *range_, options_.background, options_.palette.value_or(Palette::Grey)});
-    }
-
-    const Options& options_;
-    std::vector<Output> outputs_;
-    ProjectionRequest request_;
-    bool colour_;
-    std::optional<Interval> range_;
-};
-
-void RunProject(const Options& options) {
-    if (options.turnAxis && options.frames == 0) throw BadArgument("--axis belongs to --turntable");
+    if (options.fileUnits && !options.window) throw BadArgument("--file-units belongs to --window");
     ParseOutputs(options.outputs);
     ExtraOf(options);
-    const RawSource source = SourceOf(options);
-    Renderer renderer(options, source);
-    const VolumeOwner volume = ReadRawVolume(source);
-    renderer.Run(*volume);
 }
 
-void AddInput(CLI::App& command, Options& options) {
-    command.add_option("INPUT", options.input, "raw voxels, or a .nhdr/.nrrd header that describes them")
-        ->required()
-        ->type_name("");
-    AddParsed(command, "--size", options.size, ParseSize, "WxHxD",
-              "voxels per axis of a raw file, e.g. 181x217x181");
-    AddParsed(command, "--type", options.type, ParseVoxelType, "uint8|rgb8",
-              "voxels of a raw file: grey bytes, or red, green, blue bytes");
-    AddParsed(command, "--offset", options.offset, ParseByteCount, "BYTES",
-              "skip a header of that many bytes in a raw file");
+TurnRequest RequestOf(const Options& options, const VolumeInput& input) {
+    TurnRequest request = {};
+    request.mode = options.mode;
+    request.projection = {options.mode->number,
+                          options.mode->name,
+                          CropWithin(options.crop, input.Size()),
+                          {},
+                          ExtraOf(options)};
+    request.views = ViewsOf(options);
+    request.numbered = options.frames != 0;
+    request.outputs = ParseOutputs(options.outputs);
+    request.range = options.range;
+    request.colour = input.Type() == VoxelType::Rgb8;
+    request.background = options.background;
+    request.palette = options.palette.value_or(Palette::Grey);
+    request.picturesPerSecond = options.picturesPerSecond.value_or(kPicturesPerSecond);
+    request.jobs = options.jobs;
+    return request;
+}
+
+void RunProject(const Options& options) {
+    CheckOptions(options);
+    const VolumeInput input(options.input);
+    const bool colour = input.Type() == VoxelType::Rgb8;
+    if (colour && options.palette) throw BadArgument("--palette is for grey volumes");
+    if (colour && options.fileUnits) throw BadArgument("--file-units is for grey volumes");
+    TurnRequest request = RequestOf(options, input);
+    for (int i = 0; i < std::max(1, options.frames); ++i)
+        CheckDistinct(FilesOf(request, i), input.Facts().files);
+    const LoadedVolume loaded = input.Load(options.quiet);
+    request.projection.window = WindowOf(options, input.Type(), loaded.input);
+    RenderTurn(request, *loaded.volume, options.quiet);
 }
 
 void AddView(CLI::App& command, Options& options) {
@@ -167,8 +154,10 @@ void AddView(CLI::App& command, Options& options) {
     AddParsed(command, "--crop", options.crop, ParseCrop, "x0:x1,y0:y1,z0:z1",
               "render a box only; voxels from 1, ends inclusive");
     AddParsed(command, "--window", options.window, ParseInterval, "LOW:HIGH",
-              "intensities that count (default: see the modes)");
-    AddParsed(command, "--transparency", options.transparency, ParseFinite, "T",
+              "intensities that count, in bytes (default: see the modes)");
+    command.add_flag("--file-units", options.fileUnits,
+                     "the window is in the file's own units, before they become bytes");
+    AddParsed(command, "--transparency", options.transparency, ParseTransparency, "T",
               "blend: 0 opaque to nearly 1 clear (default 0.9)");
     AddParsed(command, "--attenuation", options.attenuation, ParseFinite, "A",
               "layers: each deeper surface counts A times the one before (default 0.5)");
@@ -177,8 +166,8 @@ void AddView(CLI::App& command, Options& options) {
 void AddPictures(CLI::App& command, Options& options) {
     command
         .add_option("-o,--output", options.outputs,
-                    "file to write: .png picture; .nhdr (and .raw) or .pfm untouched floats;\nmay be given "
-                    "again for more files")
+                    "file to write: .png picture; .nhdr (and .raw) or .pfm untouched floats;\n.apng animated "
+                    "turntable; may be given again for more files")
         ->required()
         ->allow_extra_args(false)
         ->type_name("FILE");
@@ -186,14 +175,23 @@ void AddPictures(CLI::App& command, Options& options) {
               "values shown from black to white in a .png (default: see the modes)");
     AddParsed(command, "--background", options.background, ParseColour, "R,G,B",
               "colour of pixels without a contribution in a .png (default 0,0,0)");
-    AddParsed(command, "--palette", options.palette, ParsePalette, "grey|fire|viridis",
-              "colours of the levels in a .png of a grey volume (default grey)");
+    AddParsed(
+        command, "--palette", options.palette,
+        [](std::string_view name) { return ParsePalette(LowerCase(name)); }, "grey|fire|viridis",
+        "colours of the levels in a .png of a grey volume (default grey)");
     AddParsed(
         command, "--turntable", options.frames,
         [](std::string_view text) { return ParseWhole(text, 1, kMostFrames); }, "N",
         "write N pictures of a full turn, numbered out-000.png and so on");
     AddParsed(command, "--axis", options.turnAxis, ParseAxis, "x|y|z",
               "the view's axis that a turntable turns about (default y)");
+    AddParsed(
+        command, "--fps", options.picturesPerSecond,
+        [](std::string_view text) { return ParseWhole(text, 1, 100); }, "N",
+        Format("pictures per second of an .apng (default %d)", kPicturesPerSecond));
+    AddParsed(
+        command, "--jobs", options.jobs, [](std::string_view text) { return ParseWhole(text, 1, kMostJobs); },
+        "N", "pictures of a turntable at once (default: the machine's cores)");
     command.add_flag("-q,--quiet", options.quiet, "say nothing on success");
 }
 
@@ -202,7 +200,7 @@ void AddPictures(CLI::App& command, Options& options) {
 void AddProjectCommand(CLI::App& program) {
     CLI::App& command = *program.add_subcommand("project", "render a volume to pictures");
     const auto options = std::make_shared<Options>();
-    AddInput(command, *options);
+    AddVolumeInput(command, options->input);
     AddView(command, *options);
     AddPictures(command, *options);
     command.footer(ProjectHelp());

@@ -4,6 +4,7 @@
 
 #include "Modes.h"
 #include "Text.h"
+#include "VolumeInput.h"
 
 namespace z3d::tools {
 
@@ -24,11 +25,13 @@ std::string ModeTable() {
     return table;
 }
 
-constexpr char kConventions[] = R"(
+constexpr char kWindows[] = R"(
   The window of an rgb8 volume tests the sum of the three channels, 0 to 765. Its ends count, except in
   surface, layers and contrast, where a voxel must lie strictly between them. min and first show the empty
   voxels around an object unless --window leaves them out.
+)";
 
+constexpr char kConventions[] = R"(
 View
   Without a rotation x points right, y up and z away from the viewer. The rotation matrix is the product
   of one rotation about each axis in the order of --order; its rows are the view's right, up and away
@@ -40,17 +43,20 @@ View
 Range
   auto runs from the least to the greatest value in the picture, full over all that the mode can give
   (for sum and layers: from 0 to the greatest value in the picture). A turntable keeps the range of its
-  first picture. .nhdr and .pfm files keep the values as they are; pixels without a contribution
-  hold -3.4028235e38 (min: 3.4028235e38; surface and layers: 0).
+  first picture, and pads all pictures to the size of the largest, made even. .nhdr and .pfm files keep the
+  values as they are; pixels without a contribution hold -3.4028235e38 (min: 3.4028235e38; surface and
+  layers: 0).
 
 Examples
+  zentra project head.nii.gz --mode surface --rotate -90,0,30 -o head.png
+  zentra project ct.nrrd --mode surface --window 300:inf --file-units --rotate -90,0,30 -o bone.png
+  zentra project slices/*.png --spacing 0.5,0.5,2 --mode max --palette fire -o slices.png
   zentra project head.raw --size 181x217x181 --type uint8 --mode max --rotate -90,0,30 -o head.png
-  zentra project head.nhdr --mode surface --window 60:256 --rotate -90,0,30 -o head.png
-  zentra project head.nhdr --mode blend --transparency 0.8 --rotate -90,0,0 --turntable 36 -o turn.png
+  zentra project head.nhdr --mode blend --transparency 0.8 --rotate -90,0,0 --turntable 72 -o turn.apng
 )";
 
 } // namespace
 
-std::string ProjectHelp() { return ModeTable() + kConventions; }
+std::string ProjectHelp() { return ModeTable() + kWindows + VolumeInputHelp() + kConventions; }
 
 } // namespace z3d::tools

@@ -17,6 +17,14 @@ struct Size {
     unsigned short width, height;
 };
 
+// The projection takes floats where the rotation matrix has doubles.
+std::array<float, 9> Rounded(const Rotation& rotation) {
+    std::array<float, 9> rounded = {};
+    std::ranges::transform(rotation, rounded.begin(),
+                           [](double element) { return static_cast<float>(element); });
+    return rounded;
+}
+
 float* CallLibrary(Volume3D& volume, const std::array<float, 9>& rotation, const ProjectionRequest& request,
                    Size& size) {
     const CropBox& crop = request.crop;
@@ -54,15 +62,33 @@ Rotation TurnAboutViewAxis(const Rotation& rotation, short axis, float degrees) 
     return product;
 }
 
-Projection Project(Volume3D& volume, const Rotation& rotation, const ProjectionRequest& request) {
-    // The projection takes floats where the rotation matrix has doubles.
-    std::array<float, 9> rounded = {};
-    std::ranges::transform(rotation, rounded.begin(),
-                           [](double element) { return static_cast<float>(element); });
+PictureSize SizeOfView(Volume3D& volume, const Rotation& rotation) {
+    Size size = {};
+    GetRotDim(&volume, Rounded(rotation).data(), 1, 1, 1, 1, 1, 1, &size.width, &size.height, 0);
+    return {size.width, size.height};
+}
 
+Projection Padded(Projection projection, PictureSize size, float empty) {
+    if (projection.width >= size.width && projection.height >= size.height) return projection;
+    const size_t floats = size_t{3} * static_cast<size_t>(size.width) * static_cast<size_t>(size.height);
+    const HGLOBAL block = GlobalAlloc(GMEM_MOVEABLE, floats * sizeof(float));
+    if (block == nullptr)
+        throw Failure(Format("not enough memory for a picture of %dx%d", size.width, size.height));
+    Projection padded = {ProjectionOwner(static_cast<float*>(GlobalLock(block))), size.width, size.height,
+                         projection.seconds};
+    std::fill_n(padded.pixels.get(), floats, empty);
+    const int left = (size.width - projection.width) / 2;
+    const int top = (size.height - projection.height) / 2;
+    for (int row = 0; row < projection.height; ++row)
+        std::copy_n(projection.Row(row), 3 * projection.width,
+                    padded.pixels.get() + (padded.Row(top + row) - padded.Row(0)) + 3 * left);
+    return padded;
+}
+
+Projection Project(Volume3D& volume, const Rotation& rotation, const ProjectionRequest& request) {
     Size size = {};
     const double start = SecondsNow();
-    ProjectionOwner pixels(CallLibrary(volume, rounded, request, size));
+    ProjectionOwner pixels(CallLibrary(volume, Rounded(rotation), request, size));
     const double seconds = SecondsNow() - start;
     if (pixels == nullptr) {
         if (!LibraryHasMode(request.mode))

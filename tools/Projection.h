@@ -38,6 +38,16 @@ struct Projection {
     size_t FloatCount() const { return size_t{3} * static_cast<size_t>(width) * static_cast<size_t>(height); }
 };
 
+struct PictureSize {
+    int width, height;
+};
+
+// The size of a projection before it is made.
+PictureSize SizeOfView(Volume3D& volume, const Rotation& rotation);
+
+// The projection in the middle of a larger picture, whose other pixels hold `empty`.
+Projection Padded(Projection projection, PictureSize size, float empty);
+
 // Fails with a sentence when the library returns nothing.
 Projection Project(Volume3D& volume, const Rotation& rotation, const ProjectionRequest& request);
 

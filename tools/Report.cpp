@@ -1,6 +1,8 @@
 #include "Report.h"
 
+#include "Clock.h"
 #include "Console.h"
+#include "StepProgress.h"
 #include "Text.h"
 
 namespace z3d::tools {
@@ -19,21 +21,23 @@ std::string Listed(const std::vector<std::filesystem::path>& files) {
 Report::Report(bool quiet, int projections)
     : quiet_(quiet),
       progressLine_(!quiet && projections > 1 && ErrorsGoToConsole()),
-      projections_(projections) {}
+      projections_(projections),
+      start_(SecondsNow()) {}
 
-void Report::Done(const Projection& projection, const std::vector<std::filesystem::path>& files) {
+void Report::Done(PictureSize size, double seconds, const std::vector<std::filesystem::path>& files) {
     if (quiet_) return;
     ++done_;
-    seconds_ += projection.seconds;
+    seconds_ += seconds;
     lastFiles_ = Listed(files);
     if (done_ == 1) firstFiles_ = lastFiles_;
-    const double milliseconds = projection.seconds * 1000;
+    const double milliseconds = seconds * 1000;
     if (!progressLine_) {
-        PrintError(Format("%dx%d pixels in %.1f ms: %s\n", projection.width, projection.height, milliseconds,
+        PrintError(Format("%dx%d pixels in %.1f ms: %s\n", size.width, size.height, milliseconds,
                           lastFiles_.c_str()));
         return;
     }
-    line_.Show(Format("picture %d of %d, %.1f ms", done_, projections_, milliseconds));
+    const std::string left = TimeLeft(SecondsNow() - start_, 1.0 * done_ / projections_);
+    line_.Show(Format("picture %d of %d, %.1f ms%s", done_, projections_, milliseconds, left.c_str()));
 }
 
 void Report::Finish() {

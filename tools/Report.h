@@ -15,7 +15,7 @@ class Report {
 public:
     Report(bool quiet, int projections);
 
-    void Done(const Projection& projection, const std::vector<std::filesystem::path>& files);
+    void Done(PictureSize size, double seconds, const std::vector<std::filesystem::path>& files);
 
     // After the last projection.
     void Finish();
@@ -25,7 +25,8 @@ private:
     bool progressLine_;
     int projections_;
     int done_ = 0;
-    double seconds_ = 0;
+    double seconds_ = 0; // spent in the library
+    double start_;
     StatusLine line_;
     std::string firstFiles_;
     std::string lastFiles_;

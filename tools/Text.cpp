@@ -2,8 +2,7 @@
 
 #include <windows.h>
 
-#include <cstdarg>
-#include <cstdio>
+#include "Failure.h"
 
 namespace z3d::tools {
 
@@ -40,44 +39,11 @@ std::optional<std::string> InCodePage(std::wstring_view text) {
     return encoded;
 }
 
-std::filesystem::path PathOf(std::string_view text) { return Wide(text); }
-
-std::string Shown(const std::filesystem::path& path) { return Narrow(path.native()); }
-
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& letter : lower)
-        if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
-    return lower;
-}
-
-std::vector<std::string_view> Split(std::string_view text, char separator) {
-    std::vector<std::string_view> pieces;
-    for (;;) {
-        const size_t end = text.find(separator);
-        pieces.push_back(text.substr(0, end));
-        if (end == std::string_view::npos) return pieces;
-        text.remove_prefix(end + 1);
-    }
-}
-
-std::string_view Trimmed(std::string_view text) {
-    constexpr std::string_view kBlank = " \t\r\n";
-    const size_t first = text.find_first_not_of(kBlank);
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlank) - first + 1);
-}
-
-std::string Format(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    va_list again;
-    va_copy(again, arguments);
-    std::string text(static_cast<size_t>(std::vsnprintf(nullptr, 0, format, arguments)), '\0');
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
-    va_end(again);
-    va_end(arguments);
-    return text;
+std::filesystem::path PathOf(std::string_view text) {
+    if (text.empty()) throw BadArgument("a file name is empty");
+    const std::optional<std::filesystem::path> path = files::PathOf(text);
+    if (!path) throw BadArgument("'" + std::string(text) + "' cannot name a file");
+    return *path;
 }
 
 } // namespace z3d::tools

@@ -1,4 +1,4 @@
-// Text is UTF-8 inside the tool and UTF-16 at the border to Windows.
+// Text is UTF-8 inside the tools and UTF-16 at the border to Windows.
 #pragma once
 
 #include <filesystem>
@@ -7,7 +7,16 @@
 #include <string_view>
 #include <vector>
 
+#include "files/Text.h"
+
 namespace z3d::tools {
+
+using files::Format;
+using files::Grouped;
+using files::LowerCase;
+using files::Shown;
+using files::Split;
+using files::Trimmed;
 
 std::wstring Wide(std::string_view text);
 std::string Narrow(std::wstring_view text);
@@ -15,20 +24,7 @@ std::string Narrow(std::wstring_view text);
 // In the system's 8-bit code page; nothing when a letter is missing there.
 std::optional<std::string> InCodePage(std::wstring_view text);
 
+// Fails with a BadArgument for an empty name, or one that no file can have.
 std::filesystem::path PathOf(std::string_view text);
-
-// A path as the user would type it, for messages.
-std::string Shown(const std::filesystem::path& path);
-
-// ASCII letters only: for extensions and key words.
-std::string LowerCase(std::string_view text);
-
-// The pieces between separators: always one more than there are separators.
-std::vector<std::string_view> Split(std::string_view text, char separator);
-
-std::string_view Trimmed(std::string_view text);
-
-// A string from a printf format.
-[[gnu::format(gnu_printf, 1, 2)]] std::string Format(const char* format, ...);
 
 } // namespace z3d::tools

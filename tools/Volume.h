@@ -2,22 +2,22 @@
 #pragma once
 
 #include "HostObjects.h"
+#include "files/VolumeTypes.h"
 
 namespace z3d::tools {
 
-// Crop bounds are signed 16-bit numbers, so a longer axis could not be addressed to its end.
-inline constexpr int kLongestAxis = 32767;
-
-struct VolumeSize {
-    int width, height, depth;
-};
-
-enum class VoxelType { Grey8, Rgb8 };
-
-inline unsigned int BytesPerVoxel(VoxelType type) { return type == VoxelType::Rgb8 ? 3 : 1; }
+using files::BytesPerVoxel;
+using files::kLongestAxis;
+using files::VolumeSize;
+using files::VoxelType;
 
 // An empty volume; fails when memory is short.
 VolumeOwner MakeVolume(const VolumeSize& size, VoxelType type);
+
+// The same voxels once more, unlocked; null when memory is short. A volume belongs to one thread at a time.
+VolumeOwner CopyOf(Volume3D& volume);
+
+VoxelType TypeOf(const Volume3D& volume);
 
 VolumeSize SizeOf(const Volume3D& volume);
 

@@ -102,7 +102,7 @@ TEST_F(Nrrd, RefusesWhatItCannotRead) {
     EXPECT_EQ(RefusalOf(header("uint8", "2 2 1", "encoding: bzip2")),
               "cannot use a.nrrd: its encoding is 'bzip2', only raw and gzip can be read");
     EXPECT_EQ(RefusalOf(header("short", "2 1 1", "encoding: raw")),
-              "cannot use a.nrrd: its endian is '', not little or big");
+              "cannot use a.nrrd: it does not say whether its bytes are little or big endian");
     EXPECT_EQ(RefusalOf(header("uint8", "2 2 1", "encoding: raw\nbyte skip: -2")),
               "cannot use a.nrrd: its byte skip '-2' cannot be");
     EXPECT_EQ(RefusalOf(header("uint8", "2 2 1", "encoding: raw\ndata file: a\x01")),

@@ -66,7 +66,16 @@ class Angles(ToolTest):
         self.refuse("either --matrix or ANGLES is wanted", "--matrix", QUARTER_ABOUT_Z, "1,2,3")
         self.refuse("--from and --to belong to ANGLES; a matrix takes --order", "--matrix", QUARTER_ABOUT_Z,
                     "--to", "xyz")
-        self.refuse("ANGLES take --from and --to", "1,2,3", "--from", "xyz")
+        self.refuse("--order belongs to --matrix; ANGLES take --from and --to", "1,2,3", "--order", "xyz")
+
+    def test_angles_alone_are_found_in_every_order(self):
+        code, out, err = self.run_tool("angles", "30,40,50")
+        self.assertEqual((code, err), (0, ""))
+        found = dict(line.split(" ") for line in out.splitlines())
+        self.assertEqual(list(found), ["xyz", "zxy", "yzx"])
+        for order, angles in found.items():
+            self.assert_close(map(float, angles.split(",")), self.angles("--from", "xyz", "--to", order, "30,40,50"))
+        self.assert_close(self.angles("30,40,50", "--to", "xyz"), [30, 40, 50])
 
     def test_help_says_which_orders(self):
         code, out, err = self.run_tool("angles", "--help")

@@ -5,10 +5,10 @@ SEE = " (see zentra project --help)"
 
 class Arguments(ToolTest):
     def test_no_command(self):
-        self.expect_failure(2, "a command is wanted: project, colour, phantom, angles (see zentra --help)")
+        self.expect_failure(2, "a command is wanted: project, convert, colour, phantom, angles (see zentra --help)")
 
     def test_unknown_command(self):
-        self.expect_failure(2, "'paint' is none of the commands project, colour, phantom, angles (see zentra --help)",
+        self.expect_failure(2, "'paint' is none of the commands project, convert, colour, phantom, angles (see zentra --help)",
                             "paint")
 
     def test_missing_input(self):
@@ -39,7 +39,8 @@ class Arguments(ToolTest):
             self.refuse_project(2, sentence, "a.raw", "--size", f"4x{axis}x2")
 
     def test_bad_type(self):
-        self.refuse("--type", "float", "is neither uint8 nor rgb8")
+        self.refuse("--type", "float", "is none of the types uint8, rgb8, int16, uint16, float32, int8, int32, "
+                                       "uint32, float64")
 
     def test_bad_offset(self):
         self.refuse("--offset", "-1", "is not a number of bytes")
@@ -88,11 +89,46 @@ class Arguments(ToolTest):
         self.refuse_project(2, "--attenuation 0 leaves the first surface: use --mode surface",
                             *volume, "layers", "--attenuation", "0")
 
-    def test_axis_without_turntable(self):
-        self.refuse_project(2, "--axis belongs to --turntable", *self.grey_volume(), *MAX, "--axis", "x")
+    def test_options_of_a_turntable_without_one(self):
+        for option, value in (("--axis", "x"), ("--fps", "10"), ("--jobs", "2")):
+            self.refuse_project(2, f"{option} belongs to --turntable", *self.grey_volume(), *MAX, option, value)
+        self.refuse_project(2, "an .apng file is for --turntable", *self.grey_volume(), "--mode", "max",
+                            "-o", "a.apng")
+
+    def test_file_units_without_a_window(self):
+        self.refuse_project(2, "--file-units belongs to --window", *self.grey_volume(), *MAX, "--file-units")
+
+    def test_a_transparency_beyond_nothing_and_all(self):
+        for value in ("5", "-0.1"):
+            self.refuse("--transparency", value, "is not a transparency from 0 to 1")
+
+    def test_bad_spacing_and_endian(self):
+        self.refuse("--spacing", "1,2", "is not of the form 1,1,2.5 (distance of voxels along x, y and z)")
+        self.refuse_project(2, "--spacing: '0' is not a distance above 0" + SEE, "a.raw", "--spacing", "1,0,1")
+        self.refuse("--endian", "middle", "is neither little nor big")
+
+    def test_bad_input_range(self):
+        self.refuse("--input-range", "3", "is not of the form low:high")
+        self.refuse("--input-range", "3:3", "is an empty or infinite range")
+        self.refuse_project(2, "--input-range: 'inf' is not a finite number" + SEE, "a.raw",
+                            "--input-range", "0:inf")
+
+    def test_an_empty_name(self):
+        self.refuse_project(2, "a file name is empty", "", *MAX)
+        self.refuse_project(2, "a file name is empty", *self.grey_volume(), "--mode", "max", "-o", "")
+
+    def test_capitals_are_as_good(self):
+        self.grey_volume("a.raw")
+        self.project("a.raw", "--size", "4X3X2", "--type", "UINT8", "--mode", "MAX", "--order", "ZYX",
+                     "--palette", "Grey", "-o", "a.png")
+        self.assertEqual(self.names("*.png"), ["a.png"])
+
+    def test_a_path_may_begin_with_a_slash(self):
+        self.grey_volume("a.raw")
+        self.project(self.folder / "a.raw", "--size", "4x3x2", "--type", "uint8", *MAX)
 
     def test_unknown_output_format(self):
-        self.refuse_project(2, "'a.jpg' does not end in .png, .pfm or .nhdr", *self.grey_volume(),
+        self.refuse_project(2, "'a.jpg' does not end in .png, .apng, .pfm or .nhdr", *self.grey_volume(),
                             "--mode", "max", "-o", "a.jpg")
 
     def test_outputs_that_would_destroy_something(self):
@@ -107,7 +143,7 @@ class Help(ToolTest):
     def test_names_the_commands(self):
         code, out, err = self.run_tool("--help")
         self.assertEqual((code, err), (0, ""))
-        for command in ("project", "colour", "phantom", "angles"):
+        for command in ("project", "convert", "colour", "phantom", "angles"):
             self.assertIn(command, out)
 
     def test_of_project_explains_every_mode_and_option(self):

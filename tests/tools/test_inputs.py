@@ -34,7 +34,8 @@ class RawFiles(ToolTest):
     def test_a_volume_larger_than_a_32_bit_process(self):
         with open(self.folder / "a.raw", "wb") as file:
             file.truncate(1500 * 2000 * 2000)
-        sentence = "not enough memory for a volume of 1500x2000x2000 (5722 MB)"
+        sentence = ("1500x2000x2000 voxels need 6,000,000,000 bytes, more than a 32-bit process can have; "
+                    "--max-diagonal makes the volume smaller, for example --max-diagonal 1100")
         self.refuse_project(1, sentence, "a.raw", "--type", "uint8",
                             "--size", "1500x2000x2000", *MAX)
 
@@ -104,13 +105,15 @@ class NrrdFiles(ToolTest):
         self.assertEqual(png(self.read("out.png")), (2, 2, [[(200, 200, 10)] * 2] * 2))
 
     def test_size_belongs_to_raw_files(self):
-        self.refuse_project(2, "--size, --type and --offset are for raw files; a.nhdr has a header",
+        self.refuse_project(2, "--size, --type, --offset and --endian are for raw files; a.nhdr has a header",
                             self.grey_header(), "--size", "4x3x2", *MAX)
 
     def test_refusals(self):
         self.refuse(self.header("type: uint8", start="BRRD"), "it is not a NRRD file")
-        self.refuse(self.grey_header(type="float"), "its type is 'float', only uint8 can be rendered")
-        self.refuse(self.grey_header(encoding="gzip"), "its encoding is 'gzip', only raw can be read")
+        self.refuse(self.grey_header(type="block"), "its type 'block' is none of uint8, int8, uint16, int16, "
+                                                    "uint32, int32, float, double")
+        self.refuse(self.grey_header(type="float"), "it does not say whether its bytes are little or big endian")
+        self.refuse(self.grey_header(encoding="bzip2"), "its encoding is 'bzip2', only raw and gzip can be read")
         self.refuse(self.grey_header(dimension="4"), "dimension and sizes differ")
         self.refuse(self.grey_header(dimension="2", sizes="4 3"),
                     "it is neither a grey volume (3 dimensions) nor a colour one (4, the first of size 3)")

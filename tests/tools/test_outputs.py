@@ -1,6 +1,6 @@
 import re
 
-from tool import MAX, ToolTest, png
+from tool import MAX, NOTHING, NOTHING_IN_MIN, ToolTest, apng, float_bits, png
 
 
 class Outputs(ToolTest):
@@ -17,6 +17,24 @@ class Outputs(ToolTest):
         self.refuse_project(1, "cannot write a.nhdr: it is a folder", *self.grey_volume(),
                             "--mode", "max", "-o", "a.nhdr")
 
+    def test_a_read_only_file_stays_as_it_is(self):
+        self.write("a.png", b"mine")
+        (self.folder / "a.png").chmod(0o444)
+        self.refuse_project(1, "cannot write a.png: it is read-only", *self.grey_volume(), *MAX)
+        self.assertEqual(self.read("a.png"), b"mine")
+
+    def test_an_older_file_is_replaced(self):
+        self.write("a.png", b"old")
+        self.project(*self.grey_volume(), *MAX)
+        self.assertEqual(png(self.read("a.png"))[:2], (4, 3))
+        self.assertEqual(self.names("*"), ["a.png", "grey.raw"])
+
+    def test_a_failure_leaves_the_older_file(self):
+        self.write("a.png", b"old")
+        self.refuse_project(1, "cannot write sub/b.png: there is no such folder", *self.grey_volume(), *MAX[:2],
+                            "-o", "sub/b.png", "-o", "a.png")
+        self.assertEqual(self.read("a.png"), b"old")
+
     def test_one_line_says_what_was_done(self):
         code, out, err = self.run_tool("project", *self.grey_volume(), *MAX, "-o", "b.nhdr")
         self.assertEqual((code, out), (0, ""))
@@ -28,16 +46,32 @@ class Turntable(ToolTest):
         self.project(*self.grey_volume(), "--mode", "max", "--turntable", "4", "--axis", "z", "-o", "t.png")
         self.assertEqual(self.names("t*"), ["t-000.png", "t-001.png", "t-002.png", "t-003.png"])
         frames = [png(self.read(f"t-00{i}.png"))[2] for i in range(3)]
-        self.assertEqual(frames[0], [[20, 21, 22, 23], [10, 100, 12, 13], [0, 1, 2, 3]])
-        self.assertEqual(frames[1], [[23, 13, 3], [22, 12, 2], [21, 100, 1], [20, 10, 0]])
-        self.assertEqual(frames[2], [[3, 2, 1, 0], [13, 12, 100, 10], [23, 22, 21, 20]])
+        # All as large as the largest, each in the middle.
+        self.assertEqual(frames[0], [[20, 21, 22, 23], [10, 100, 12, 13], [0, 1, 2, 3], [0] * 4])
+        self.assertEqual(frames[1], [[23, 13, 3, 0], [22, 12, 2, 0], [21, 100, 1, 0], [20, 10, 0, 0]])
+        self.assertEqual(frames[2], [[3, 2, 1, 0], [13, 12, 100, 10], [23, 22, 21, 20], [0] * 4])
 
     def test_turns_about_the_axis_of_the_view_not_of_the_volume(self):
         # Tipped by 90 degrees about x, the view's y axis is the volume's -z.
         self.project(*self.grey_volume(), "--mode", "max", "--rotate", "90,0,0", "--turntable", "4", "-o",
                      "t.png")
-        sizes = [png(self.read(f"t-00{i}.png"))[:2] for i in range(4)]
-        self.assertEqual(sizes, [(4, 2), (3, 2), (4, 2), (3, 2)])
+        pictures = [png(self.read(f"t-00{i}.png")) for i in range(4)]
+        self.assertEqual([picture[:2] for picture in pictures], [(4, 2)] * 4)
+        # Three columns are left where the volume shows its side.
+        self.assertEqual([sum(any(column) for column in zip(*rows)) for _, _, rows in pictures], [4, 3, 4, 3])
+
+    def test_frames_have_even_sizes_and_the_background_around(self):
+        self.write("a.raw", [9] * 3)
+        self.project("a.raw", "--size", "3x1x1", "--type", "uint8", "--mode", "max", "--turntable", "2", "--axis",
+                     "z", "--background", "5,5,5", "-o", "t.png")
+        self.assertEqual(png(self.read("t-000.png")), (4, 2, [[9, 9, 9, 5], [5] * 4]))
+
+    def test_floats_are_padded_with_what_a_pixel_without_a_contribution_holds(self):
+        self.write("a.raw", [9])
+        for mode, empty in (("max", NOTHING), ("min", NOTHING_IN_MIN), ("surface", 0)):
+            self.project("a.raw", "--size", "1x1x1", "--type", "uint8", "--mode", mode, "--turntable", "1",
+                         "-o", "t.nhdr")
+            self.assertEqual(float_bits(self.read("t-000.raw"))[3:], [empty] * 9)
 
     def test_every_output_is_numbered(self):
         self.project(*self.grey_volume(), "--mode", "max", "--turntable", "2", "-o", "a.png", "-o", "b.nhdr")
@@ -57,13 +91,13 @@ class Turntable(ToolTest):
         self.project("a.raw", "--size", "4x2x2", "--type", "uint8", "--mode", "sum", "--turntable",
                      "4", "-o", "t.png")
         self.assertEqual(png(self.read("t-000.png"))[2], [[255, 0, 0, 0]] * 2)
-        self.assertEqual(png(self.read("t-001.png"))[2], [[170, 85]] * 2)
+        self.assertEqual(png(self.read("t-001.png"))[2], [[0, 170, 85, 0]] * 2)
 
     def test_a_line_per_frame_where_no_one_watches(self):
         code, out, err = self.run_tool("project", *self.grey_volume(), *MAX, "--turntable", "2")
         self.assertEqual((code, out), (0, ""))
         self.assertEqual(re.sub(r"\d+\.\d", "T", err),
-                         "4x3 pixels in T ms: a-000.png\n4x3 pixels in T ms: a-001.png\n")
+                         "4x4 pixels in T ms: a-000.png\n4x4 pixels in T ms: a-001.png\n")
 
     def test_ctrl_c_stops_between_frames(self):
         process = self.start("project", "--quiet", *self.grey_volume(), *MAX, "--turntable", "100000")
@@ -71,6 +105,42 @@ class Turntable(ToolTest):
         self.assertEqual(self.interrupt(process), (130, "", "zentra: interrupted\n"))
         for name in self.names("a-*"):
             png(self.read(name))
+
+
+class Animations(ToolTest):
+    def turn(self, name, *arguments):
+        self.run_tool("phantom", "--size", "21x24x18", "-q", "-o", "p.nhdr")
+        self.project("p.nhdr", "--mode", "sum", "--rotate", "-90,0,0", "--turntable", "9", "-o", f"{name}.png",
+                     "-o", f"{name}.apng", *arguments)
+        return [png(self.read(frame)) for frame in self.names(f"{name}-*.png")]
+
+    def test_hold_the_pictures_that_are_also_numbered(self):
+        frames = self.turn("t", "--palette", "fire")
+        plays, delays, pictures = apng(self.read("t.apng"))
+        self.assertEqual((plays, delays), (0, [40] * 9))
+        self.assertEqual(pictures, frames)
+        self.assertEqual(png(self.read("t.apng")), frames[0])
+
+    def test_as_many_jobs_as_one_likes_give_the_same_files(self):
+        self.turn("a", "--jobs", "1", "-o", "a.nhdr")
+        for jobs in ("2", "7"):
+            self.turn("b", "--jobs", jobs, "-o", "b.nhdr")
+            for name in self.names("a*"):
+                if name.endswith(".nhdr"):
+                    continue
+                self.assertEqual(self.read(name), self.read("b" + name[1:]), name)
+
+    def test_pictures_per_second(self):
+        self.turn("t", "--fps", "10")
+        self.assertEqual(apng(self.read("t.apng"))[1], [100] * 9)
+
+    def test_nothing_is_left_of_a_turn_that_fails(self):
+        (self.folder / "t-003.png").mkdir()
+        self.run_tool("phantom", "--size", "21x24x18", "-q", "-o", "p.nhdr")
+        code, out, err = self.run_tool("project", "p.nhdr", *MAX[:2], "--turntable", "9", "-o", "t.png", "-o",
+                                       "t.apng", "--quiet")
+        self.assertEqual((code, out, err), (1, "", "zentra: cannot write t-003.png: it is a folder\n"))
+        self.assertEqual(self.names("*.apng") + self.names("*unfinished"), [])
 
 
 class Phantom(ToolTest):

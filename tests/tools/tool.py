@@ -90,13 +90,28 @@ def _text_of(file):
     return file.read().decode("utf-8").replace("\r\n", "\n")
 
 
-def png(data):
+def _picture(picture):
     """Width, height and rows of pixels: a number each when grey, a tuple each in colour."""
-    picture = PIL.Image.open(io.BytesIO(data))
     assert picture.format == "PNG" and picture.mode in ("L", "RGB"), (picture.format, picture.mode)
     pixels = list(picture.getdata())
     width, height = picture.size
     return width, height, [pixels[y * width:(y + 1) * width] for y in range(height)]
+
+
+def png(data):
+    """Width, height and rows of pixels; of an animated picture, of its first frame."""
+    return _picture(PIL.Image.open(io.BytesIO(data)))
+
+
+def apng(data):
+    """How often it plays, the milliseconds of each picture, and the pictures."""
+    animation = PIL.Image.open(io.BytesIO(data))
+    delays, pictures = [], []
+    for frame in range(animation.n_frames):
+        animation.seek(frame)
+        delays.append(animation.info["duration"])
+        pictures.append(_picture(animation))
+    return animation.info["loop"], delays, pictures
 
 
 def bits(*values):

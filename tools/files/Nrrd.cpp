@@ -114,7 +114,7 @@ private:
         const std::string endian = LowerCase(header_.Field("endian"));
         if (endian == "big" || endian == "little") return endian == "big";
         if (BytesPerSample(type) > 1 && type != SampleType::Rgb8)
-            Refuse("its endian is '" + endian + "', not little or big");
+            Refuse("it does not say whether its bytes are little or big endian");
         return false;
     }
 

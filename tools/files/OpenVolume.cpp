@@ -20,7 +20,7 @@ bool HasOwnHeader(const std::filesystem::path& path, const FileSystem& files) {
     const std::string extension = ExtensionOf(path);
     const bool isImage = extension.starts_with(".img");
     if (isImage && !files.Exists(std::filesystem::path(path).replace_extension(".hdr"))) return false;
-    return std::ranges::find(kExtensions, extension) != std::end(kExtensions) || files.IsFolder(path);
+    return std::ranges::find(kExtensions, extension) != std::end(kExtensions);
 }
 
 std::unique_ptr<VolumeFormat> OpenRaw(const std::filesystem::path& path, const RawLayout& layout,
@@ -65,6 +65,8 @@ void CheckSpacing(const Spacing& spacing) {
 }
 
 } // namespace
+
+bool DescribesItself(const std::filesystem::path& path) { return HasOwnHeader(path, Disk()); }
 
 std::unique_ptr<VolumeFormat> OpenVolume(const VolumeSource& source, const FileSystem& files) {
     if (source.paths.empty()) throw FileFailure("there is no file to read");

@@ -22,6 +22,9 @@
 
 namespace z3d::files {
 
+// Whether a name is that of a file with a header, which needs no RawLayout.
+bool DescribesItself(const std::filesystem::path& path);
+
 class FileSystem;
 class VolumeFormat;
 
