@@ -63,6 +63,17 @@ TEST(PngSlices, RefusesSlicesThatDiffer) {
                                        "pixels of uint8");
 }
 
+TEST(PngSlices, AHeaderThatPromisesTooMuchIsRefusedBeforeItCostsMemory) {
+    MemoryFiles files;
+    Bytes png = Png(2, 2, 1, 8, "abcd");
+    png.replace(16, 8, Packed<uint32_t>({32767, 32767}, true));
+    files.Put("a.png", png);
+    files.Put("flat.png", Png(2000, 2000, 1, 8, Bytes(4000000, '\0')));
+
+    EXPECT_EQ(Refusal(files, "a.png"), "cannot use a.png: it is damaged, or no PNG picture");
+    EXPECT_EQ(Reader(files, {"flat.png"}).Facts().size.width, 2000);
+}
+
 TEST(PngSlices, RefusesWhatIsNoPicture) {
     MemoryFiles files;
     const Bytes png = Png(2, 2, 1, 8, "abcd");

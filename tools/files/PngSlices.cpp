@@ -1,7 +1,8 @@
 #include "PngSlices.h"
 
+#include <algorithm>
 #include <cstring>
-#include <limits>
+#include <iterator>
 
 #include "Text.h"
 
@@ -41,10 +42,34 @@ std::vector<unsigned char> ReadWhole(const std::filesystem::path& path, const Fi
     return bytes;
 }
 
+uint64_t BigEndian(const std::vector<unsigned char>& bytes, size_t at) {
+    uint64_t number = 0;
+    for (size_t i = 0; i < 4; ++i)
+        number = number << 8 | bytes[at + i];
+    return number;
+}
+
+// Whether so few bytes can hold so many pixels: no packed byte stands for more than 1032. A header alone must not
+// cost gigabytes.
+bool IsPlausible(const std::vector<unsigned char>& bytes) {
+    constexpr size_t kHeader = 16; // behind the signature and the chunk's length and kind
+    constexpr uint64_t kMostPerByte = 1032;
+    constexpr unsigned kSamples[] = {1, 0, 3, 1, 2, 0, 4}; // by colour type
+    if (bytes.size() < kHeader + 10 || std::memcmp(&bytes[12], "IHDR", 4) != 0) return false;
+    const size_t colourType = bytes[kHeader + 9];
+    if (colourType >= std::size(kSamples)) return false;
+    const uint64_t width = BigEndian(bytes, kHeader);
+    const uint64_t height = BigEndian(bytes, kHeader + 4);
+    if (width > uint64_t{kLongestAxis} || height > uint64_t{kLongestAxis}) return false;
+    const uint64_t rowBits = width * bytes[kHeader + 8] * kSamples[colourType];
+    return rowBits / 8 * height <= kMostPerByte * bytes.size();
+}
+
 PictureKind KindOf(const std::vector<unsigned char>& bytes, const std::filesystem::path& path) {
     const int length = static_cast<int>(bytes.size());
     PictureKind kind = {};
     int channels = 0;
+    if (!IsPlausible(bytes)) Refuse(path, kNoPicture);
     if (stbi_info_from_memory(bytes.data(), length, &kind.width, &kind.height, &channels) == 0)
         Refuse(path, kNoPicture);
     const bool isWide = stbi_is_16_bit_from_memory(bytes.data(), length) != 0;
