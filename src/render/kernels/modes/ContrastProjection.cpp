@@ -55,7 +55,7 @@ struct GreyContrast : NothingPending {
 
 // Scores in the place of voxels.
 struct Scores {
-    static constexpr int kBytes = 0;
+    [[maybe_unused]] static constexpr int kBytes = 0;
     static constexpr int kChannels = 1;
     static constexpr bool kKeepsPositions = false;
     using Window = NoWindow;

@@ -20,7 +20,6 @@ std::uint8_t SamplesOf(const Packet& packet, int ray, std::int32_t done, int str
 
 BestFirstWalk::BestFirstWalk(const Projection& projection, const Rule& rule, const GreyExtreme& mode)
     : projection_(projection),
-      rule_(rule),
       mode_(mode),
       rays_(projection.view, rule.shape),
       stepper_(projection, rule.shape),

@@ -45,7 +45,6 @@ private:
     void FinishSpan(std::int32_t rows, std::int32_t columns) const;
 
     const Projection& projection_;
-    const Rule& rule_;
     const GreyExtreme& mode_;
     PacketRays rays_;
     const SampleStepper stepper_;
