@@ -19,7 +19,7 @@ struct ChannelSamples {
 };
 inline constexpr std::size_t kChannelBlock = 32;
 
-// t = sample * slope + offset, in double: where it is at most `top` - 1, t - 0.5 rounded to nearest is the byte.
+// t = sample * slope + offset, in double: t - 0.5 rounded to nearest, ties to even, and cut to 0 and 255, is the byte.
 struct FloatScale {
     double slope, offset;
 };

@@ -6,8 +6,8 @@
 //                     one load of kLoaded samples;
 //   Vertical          two rows of intermediates into `count` samples of the destination.
 // Tables and intermediate rows are padded to a multiple of kPadding, at least kLeastCount: the horizontal passes fill
-// them whole; Vertical writes just `count` samples, and reads no more than the least count or these. The forms of the two blends differ on purpose and are
-// kept to the last bit: a + (b - a) * f across, lower * f + upper * (1 - f) down.
+// them whole; Vertical writes just `count` samples, and reads no more than the least count or these. The forms of the
+// two blends differ on purpose and are kept to the last bit: a + (b - a) * f across, lower * f + upper * (1 - f) down.
 #pragma once
 
 #include "primitives/KernelTable.h"

@@ -6,8 +6,13 @@ extern const KernelTable kKernels;
 const KernelTable kKernels = {
     .composeBytes = ComposeBytes,
     .composeFloats = ComposeFloats,
+#if defined(__AVX2__)
     .blendByteColumns = BlendByteColumns,
     .blendFloatColumns = BlendFloatColumns,
+#else // there are no such shuffles
+    .blendByteColumns = nullptr,
+    .blendFloatColumns = nullptr,
+#endif
     .blendByteRows = BlendByteRows,
     .blendFloatRows = BlendFloatRows,
     .blendBytes = BlendBytes,

@@ -27,10 +27,6 @@ void BlendByteColumns(const std::uint8_t* row, const ByteColumnGroup* groups, co
                       std::int16_t* to, std::size_t count);
 void BlendFloatColumns(const std::uint8_t* row, const FloatColumnGroup* groups, const double* fractions,
                        double* to, std::size_t count);
-#else
-// There are no shuffles for it.
-constexpr auto BlendByteColumns = nullptr;
-constexpr auto BlendFloatColumns = nullptr;
 #endif
 
 } // namespace z3d::primitives::Z3D_ISA
