@@ -5,8 +5,9 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_C_STANDARD 11)
 set(CMAKE_C_EXTENSIONS OFF)
-set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
-set(CMAKE_C_FLAGS_RELEASE "-O2 -DNDEBUG")
+set(ZENTRA_OPTIMISATION "-O2" CACHE STRING "What Release builds are optimised with; results do not depend on it")
+set(CMAKE_CXX_FLAGS_RELEASE "${ZENTRA_OPTIMISATION} -DNDEBUG")
+set(CMAKE_C_FLAGS_RELEASE "${ZENTRA_OPTIMISATION} -DNDEBUG")
 set(CMAKE_POSITION_INDEPENDENT_CODE ${UNIX})
 
 # Results are the same to the last bit on every build: SSE arithmetic only, one rounding per operation
@@ -27,6 +28,11 @@ if(ZENTRA_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize=vptr -fno-sanitize-recover=all
     -fno-omit-frame-pointer -O1)
   add_link_options(-fsanitize=address,undefined)
+endif()
+
+if(ZENTRA_COVERAGE)
+  add_compile_options(-fprofile-instr-generate -fcoverage-mapping)
+  add_link_options(-fprofile-instr-generate)
 endif()
 
 if(ZENTRA_FUZZ)

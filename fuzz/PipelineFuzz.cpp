@@ -2,10 +2,11 @@
 //
 // Whatever happens, nothing may be left over and a null result is followed by the last call of the callback.
 // Where nothing was refused or cancelled, the result has to be the plain form's, bit for bit.
+#include "Fuzzing.h"
+
 #include "compose/RgbImagePipeline.h"
 #include "frame/LockedImage.h"
 #include "frame/Owned.h"
-#include "platform/Refusal.h"
 #include "reference/PlainPipeline.h"
 
 #include <sys/mman.h>
@@ -21,50 +22,14 @@
 namespace {
 
 using namespace z3d;
+using namespace z3d::fuzz;
 
-constexpr int kNever = -1;
-
-struct Requests {
-    int seen = 0;
-    int refused = kNever;
-    int outstanding = 0;
-};
-Requests requests;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
+// Mostly small lengths, sometimes none or a negative one; the largest slice stays small.
+std::int16_t AnyLength(FuzzedDataProvider& input) {
+    const auto byte = input.ConsumeIntegral<std::uint8_t>();
+    if (byte >= 252) return static_cast<std::int16_t>(0x8000 | input.ConsumeIntegral<std::uint8_t>() << 4);
+    return static_cast<std::int16_t>(byte % 48);
 }
-
-// Takes numbers from the front of the input; zeroes when it has run out.
-class Input {
-public:
-    Input(const std::uint8_t* data, std::size_t size) : data_(data), size_(size) {}
-
-    std::uint8_t Byte() {
-        if (size_ == 0) return 0;
-        --size_;
-        return *data_++;
-    }
-
-    // Mostly small lengths, sometimes none or a negative one; the largest slice stays small.
-    std::int16_t Length() {
-        const std::uint8_t byte = Byte();
-        if (byte >= 252) return static_cast<std::int16_t>(0x8000 | Byte() << 4);
-        return static_cast<std::int16_t>(byte % 48);
-    }
-
-    std::int16_t Signed() { return static_cast<std::int16_t>(Byte() << 8 | Byte()); }
-
-    reference::FileBytes Rest(std::size_t part) const {
-        const std::size_t half = size_ / 2;
-        return part == 0 ? reference::FileBytes(data_, data_ + half)
-                         : reference::FileBytes(data_ + half, data_ + size_);
-    }
-
-private:
-    const std::uint8_t* data_;
-    std::size_t size_;
-};
 
 // A file without a disk; the system's path of an open descriptor opens it anew.
 class MemoryFile {
@@ -126,32 +91,25 @@ void RequirePlain(const Volume3D& volume, const Outputs& outputs, const referenc
 
 } // namespace
 
-namespace z3d::platform {
-
-bool IsRefused(Resource) { return requests.seen++ == requests.refused; }
-void NoteGranted(Resource) { ++requests.outstanding; }
-void NoteReleased(Resource) { --requests.outstanding; }
-
-} // namespace z3d::platform
-
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    Input input(data, size);
+    FuzzedDataProvider input(data, size);
     compose::RgbImageRequest request = {};
-    request.width = input.Length();
-    request.height = input.Length();
-    request.depth = static_cast<std::int16_t>(input.Length() % 16);
-    request.maxDiagonal = input.Signed();
-    const std::uint8_t flags = input.Byte();
+    request.width = AnyLength(input);
+    request.height = AnyLength(input);
+    request.depth = static_cast<std::int16_t>(AnyLength(input) % 16);
+    request.maxDiagonal = input.ConsumeIntegral<std::int16_t>();
+    const std::uint8_t flags = input.ConsumeIntegral<std::uint8_t>();
     request.is8bit = (flags & 1) != 0;
     request.keepChannelsApart = (flags & 2) != 0;
     const bool hasCallback = (flags & 4) != 0;
-    const std::uint8_t named = input.Byte();
+    const std::uint8_t named = input.ConsumeIntegral<std::uint8_t>();
     const Names names = {named % 3, named / 3 % 3, named / 9 % 3};
     FuzzedHost host;
-    host.cancelAt = (flags & 8) != 0 ? input.Byte() : kNever;
-    requests = {0, (flags & 16) != 0 ? input.Byte() : kNever, 0};
+    host.cancelAt = (flags & 8) != 0 ? input.ConsumeIntegral<std::uint8_t>() : kNever;
+    RefuseRequest((flags & 16) != 0 ? input.ConsumeIntegral<std::uint8_t>() : kNever);
 
-    const reference::FileBytes bytes[2] = {input.Rest(0), input.Rest(1)};
+    const reference::FileBytes firstBytes = input.ConsumeBytes<std::uint8_t>(input.remaining_bytes() / 2);
+    const reference::FileBytes bytes[2] = {firstBytes, input.ConsumeRemainingBytes<std::uint8_t>()};
     const MemoryFile first(bytes[0]);
     const MemoryFile second(bytes[1]);
     const char* const paths[3] = {nullptr, first.Name(), second.Name()};
@@ -190,6 +148,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                                               request.maxDiagonal}));
     }
     volume.reset();
-    Require(requests.outstanding == 0);
+    Require(Outstanding() == 0);
     return 0;
 }
