@@ -13,9 +13,10 @@ struct Block {
     unsigned char* pixels; // null for a block of 0 bytes
     std::uint32_t lockCount;
     Block* next;
+    Block** link; // what points to this block: the first one's, or the field of the block before
 };
 
-// Few blocks are alive at a time (one per slice), and only BlockFromAddress walks the list.
+// Newest first. Only BlockFromAddress walks the list: volumes can have tens of thousands of slices.
 Block* firstBlock = nullptr;
 
 void* AllocateZeroes(std::uint32_t bytes) { return std::calloc(bytes, 1); }
@@ -35,7 +36,8 @@ BlockHandle Allocate(void* (*allocatePixels)(std::uint32_t), std::uint32_t bytes
         std::free(block);
         return nullptr;
     }
-    *block = {pixels, 0, firstBlock};
+    *block = {pixels, 0, firstBlock, &firstBlock};
+    if (firstBlock != nullptr) firstBlock->link = &block->next;
     firstBlock = block;
     NoteGranted(Resource::Block);
     return block;
@@ -68,10 +70,8 @@ void BlockFree(BlockHandle block) {
     if (block == nullptr) return;
     NoteReleased(Resource::Block);
     auto* record = static_cast<Block*>(block);
-    Block** link = &firstBlock;
-    while (*link != record)
-        link = &(*link)->next;
-    *link = record->next;
+    *record->link = record->next;
+    if (record->next != nullptr) record->next->link = record->link;
     std::free(record->pixels);
     std::free(record);
 }
