@@ -6,6 +6,7 @@
 #include "reference/ReferenceRenderer.h"
 #include "support/ProceduralVolumes.h"
 #include "support/RandomRequests.h"
+#include "support/RenderModes.h"
 #include "support/SameBits.h"
 #include "support/Watchdog.h"
 
@@ -181,7 +182,7 @@ TEST(AnyRequests, SizeQueriesEnd) {
     for (int index = 0; index < 600; ++index) {
         const reference::Volume volume = EmptyVolume(RandomSize(random, 9, 1));
         reference::Request request = AnyRequest(random, volume);
-        request.mode = 7; // sizes alone
+        request.mode = kUnknownModes[0]; // sizes alone
         const Watchdog watchdog(std::chrono::seconds(10), Describe(request));
         const Picture picture = TakePicture(CopiedVolume(volume).Get(), ViewOf(request));
 
@@ -195,7 +196,7 @@ TEST(AnyRequests, SizeQueriesEnd) {
 TEST(AnyRequests, TheLongestViewingDirectionEndsInTime) {
     for (const int bytesPerVoxel : {1, 3}) {
         const reference::Volume volume = ConstantVolume({24, 24, 24, bytesPerVoxel}, 100);
-        for (int mode = 0; mode <= 6; ++mode) {
+        for (const RenderMode mode : kRenderModes) {
             reference::Request request = PlainRequest(volume, mode, {1, 0, 0, 0, 1, 0, 0, 0, 1024});
             request.extraBits = std::bit_cast<std::uint32_t>(0.5f);
             const Watchdog watchdog(BudgetFor(WorkOf(volume, request)), Describe(request));

@@ -1,6 +1,7 @@
 // Slices of another format than the first: the first one's decides how all are read, each from its first byte.
 #include "exports/Library.h"
 #include "exports/Picture.h"
+#include "support/RenderModes.h"
 
 #include <gtest/gtest.h>
 
@@ -42,8 +43,9 @@ private:
 void ExpectSamePictures(unsigned int first, unsigned int others) {
     const ExportedVolume uniform(7, 6, 5, first);
     const MixedVolume mixed(uniform.Get(), others);
-    for (short mode = 0; mode <= 6; ++mode) {
-        const View view = {.mode = mode, .rotation = RotationOf(20, 30, 40), .high = 700, .extra = 0.5f};
+    for (const RenderMode mode : kRenderModes) {
+        const View view = {
+            .mode = static_cast<short>(mode), .rotation = RotationOf(20, 30, 40), .high = 700, .extra = 0.5f};
         const Picture expected = TakePicture(uniform.Get(), view);
         const Picture picture = TakePicture(mixed.Get(), view);
         ASSERT_TRUE(picture.isRendered) << "mode " << mode;

@@ -16,12 +16,10 @@ protected:
     };
 
     static reference::Request Cropped(reference::Request request, const std::array<Interval, 3>& box) {
-        request.x0 = static_cast<std::int16_t>(box[0].first);
-        request.x1 = static_cast<std::int16_t>(box[0].last);
-        request.y0 = static_cast<std::int16_t>(box[1].first);
-        request.y1 = static_cast<std::int16_t>(box[1].last);
-        request.z0 = static_cast<std::int16_t>(box[2].first);
-        request.z1 = static_cast<std::int16_t>(box[2].last);
+        for (int axis = 0; axis < 3; ++axis) {
+            const Interval& interval = box[static_cast<std::size_t>(axis)];
+            CropAxis(request, axis, interval.first, interval.last);
+        }
         return request;
     }
 

@@ -1,15 +1,6 @@
 // The product's renderer against the plain form, bit for bit, over random volumes and requests.
-#include "reference/ReferenceRenderer.h"
-#include "render/InstructionSet.h"
-#include "support/AlwaysSkipping.h"
-#include "support/HostVolume.h"
-#include "support/ProceduralVolumes.h"
-#include "support/ProductRenderer.h"
-#include "support/RandomRequests.h"
+#include "render/KernelDifferential.h"
 #include "support/RenderModes.h"
-#include "support/SameBits.h"
-
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <tuple>
@@ -22,31 +13,17 @@ using namespace z3d::test;
 constexpr int kVolumesPerCase = 60;
 constexpr int kRequestsPerVolume = 8;
 
-// Mode, bytes per voxel and instruction set.
-class Differential : public ::testing::TestWithParam<std::tuple<RenderMode, int, render::InstructionSet>> {
+// Mode and bytes per voxel.
+class Differential : public ::testing::TestWithParam<std::tuple<RenderMode, int>> {
 protected:
-    void SetUp() override {
-        const render::InstructionSet set = std::get<2>(GetParam());
-        if (set > render::BestInstructionSet()) GTEST_SKIP() << "this processor lacks the instruction set";
-        render::ForceInstructionSet(set);
-    }
-    void TearDown() override { render::ForceInstructionSet(render::BestInstructionSet()); }
-
     static RenderMode Mode() { return std::get<0>(GetParam()); }
     static int BytesPerVoxel() { return std::get<1>(GetParam()); }
 
-    static void Compare(const reference::Volume& volume, RandomSource& random, int requests) {
-        const HostVolume hostVolume(volume);
+    static void Compare(reference::Volume volume, RandomSource& random, int requests) {
+        const ComparedVolume compared(std::move(volume));
         for (int index = 0; index < requests; ++index) {
-            const reference::Request request = RandomRequest(random, volume, Mode());
-            const reference::Projection expected = reference::Render(volume, request);
-            ASSERT_TRUE(SameBits(expected, RenderProduct(hostVolume.Get(), request)))
-                << "request " << index << ": " << Describe(request) << "\n"
-                << Describe(volume);
-            const AlwaysSkipping forced;
-            ASSERT_TRUE(SameBits(expected, RenderProduct(hostVolume.Get(), request)))
-                << "request " << index << " with a table of bounds: " << Describe(request) << "\n"
-                << Describe(volume);
+            const reference::Request request = RandomRequest(random, compared.Plain(), Mode());
+            ASSERT_TRUE(compared.IsRenderedAlike(request)) << "request " << index;
         }
     }
 };
@@ -55,8 +32,8 @@ TEST_P(Differential, SmallVolumes) {
     for (std::uint32_t seed = 1; seed <= kVolumesPerCase; ++seed) {
         SCOPED_TRACE(::testing::Message() << "seed " << seed);
         RandomSource random(seed);
-        const reference::Volume volume = RandomVolume(random, RandomSize(random, 20, BytesPerVoxel()));
-        ASSERT_NO_FATAL_FAILURE(Compare(volume, random, kRequestsPerVolume));
+        const VolumeSize size = RandomSize(random, 20, BytesPerVoxel());
+        ASSERT_NO_FATAL_FAILURE(Compare(RandomVolume(random, size), random, kRequestsPerVolume));
     }
 }
 
@@ -103,7 +80,7 @@ TEST_P(Differential, SparseVolumesOfManyBlocks) {
             VoxelByte(volume, place(size.width), place(size.height), place(size.depth),
                       random.Below(BytesPerVoxel())) = static_cast<std::uint8_t>(random.Between(1, 255));
         }
-        ASSERT_NO_FATAL_FAILURE(Compare(volume, random, 4));
+        ASSERT_NO_FATAL_FAILURE(Compare(std::move(volume), random, 4));
     }
 }
 
@@ -117,11 +94,10 @@ TEST_P(Differential, StepsLongerThanAVoxel) {
             VolumeSize size = {3, 3, 3, BytesPerVoxel()};
             int* const sides[] = {&size.width, &size.height, &size.depth};
             if (length > 1000) *sides[axis] = 1;
-            const reference::Volume volume = RandomVolume(random, size);
-            reference::Request request = PlainRequest(volume, Mode());
+            const ComparedVolume compared(RandomVolume(random, size));
+            reference::Request request = PlainRequest(compared.Plain(), Mode());
             request.rotation[static_cast<std::size_t>(6 + axis)] = length;
-            ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(volume, request)))
-                << Describe(request);
+            ASSERT_TRUE(compared.IsRenderedAlike(request));
         }
     }
 }
@@ -133,32 +109,28 @@ TEST_P(Differential, TurnsAboutXAtEveryWidth) {
     for (const int width : {1, 2, 15, 16, 17, 33, 64, 127, 129, 256, 257, 300, 530}) {
         SCOPED_TRACE(::testing::Message() << "width " << width);
         RandomSource random(static_cast<std::uint32_t>(5000 + width));
-        const reference::Volume volume =
-            RandomVolume(random, {width, random.Between(1, 40), random.Between(1, 20), BytesPerVoxel()});
-        const HostVolume hostVolume(volume);
+        const int height = random.Between(1, 40);
+        const int depth = random.Between(1, 20);
+        const ComparedVolume compared(RandomVolume(random, {width, height, depth, BytesPerVoxel()}));
         for (const Rotation& turn : kTurns) {
-            reference::Request request = RandomRequest(random, volume, Mode());
+            reference::Request request = RandomRequest(random, compared.Plain(), Mode());
             request.rotation = turn;
-            ASSERT_TRUE(
-                SameBits(reference::Render(volume, request), RenderProduct(hostVolume.Get(), request)))
-                << Describe(request) << "\n"
-                << Describe(volume);
+            ASSERT_TRUE(compared.IsRenderedAlike(request));
         }
     }
 }
 
 // The brightest rays there are, longer than what sums of 16 bits can hold.
 TEST_P(Differential, WhiteVolumesOfManyStretches) {
-    reference::Volume volume = EmptyVolume({3, 2, 700, BytesPerVoxel()});
-    std::fill(volume.voxels.begin(), volume.voxels.end(), std::uint8_t{255});
-    reference::Request request = PlainRequest(volume, Mode());
-    ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(volume, request))) << "by rows";
+    const ComparedVolume compared(ConstantVolume({3, 2, 700, BytesPerVoxel()}, 255));
+    reference::Request request = PlainRequest(compared.Plain(), Mode());
+    ASSERT_TRUE(compared.IsRenderedAlike(request)) << "by rows";
     request.rotation[1] = 1e-6f; // not a turn about x
-    ASSERT_TRUE(SameBits(reference::Render(volume, request), RenderProduct(volume, request))) << "by packets";
+    ASSERT_TRUE(compared.IsRenderedAlike(request)) << "by packets";
 }
 
 INSTANTIATE_TEST_SUITE_P(AllModes, Differential,
-                         ::testing::Combine(::testing::ValuesIn(kRenderModes), ::testing::Values(1, 2, 3, 4),
-                                            ::testing::ValuesIn(render::kInstructionSets)));
+                         ::testing::Combine(::testing::ValuesIn(kRenderModes),
+                                            ::testing::Values(1, 2, 3, 4)));
 
 } // namespace

@@ -7,8 +7,8 @@
 //         --gtest_also_run_disabled_tests --gtest_filter=GoldenRows.DISABLED_AreWrittenAnew
 // A row that changes without a change of the rules is an error.
 #include "reference/ReferenceRenderer.h"
-#include "render/InstructionSet.h"
 #include "support/Digest.h"
+#include "support/InstructionSets.h"
 #include "support/ProceduralVolumes.h"
 #include "support/ProductRenderer.h"
 #include "support/RandomRequests.h"
@@ -110,20 +110,12 @@ void ExpectTheRows(reference::Projection (*render)(const reference::Volume&, con
 
 TEST(GoldenRows, AreWhatThePlainFormShows) { ExpectTheRows(&reference::Render); }
 
-class GoldenRowsOn : public ::testing::TestWithParam<render::InstructionSet> {
-protected:
-    void SetUp() override {
-        if (GetParam() > render::BestInstructionSet()) {
-            GTEST_SKIP() << "this processor lacks the instruction set";
-        }
-        render::ForceInstructionSet(GetParam());
-    }
-    void TearDown() override { render::ForceInstructionSet(render::BestInstructionSet()); }
-};
+class GoldenRowsOn : public OnInstructionSet {};
 
 TEST_P(GoldenRowsOn, AreWhatTheProductShows) { ExpectTheRows(&RenderProduct); }
 
-INSTANTIATE_TEST_SUITE_P(AllInstructionSets, GoldenRowsOn, ::testing::ValuesIn(render::kInstructionSets));
+INSTANTIATE_TEST_SUITE_P(AllInstructionSets, GoldenRowsOn, ::testing::ValuesIn(render::kInstructionSets),
+                         [](const auto& set) { return NameOf(set.param); });
 
 // Sixteen kernels: seven modes and the layered surface, grey and in colour.
 TEST(GoldenRows, ReachEveryKernel) {

@@ -6,6 +6,7 @@
 #include "support/AlwaysSkipping.h"
 #include "support/GuardedBytes.h"
 #include "support/GuardedHeap.h"
+#include "support/InstructionSets.h"
 #include "support/ProductRenderer.h"
 #include "support/SameBits.h"
 
@@ -36,6 +37,7 @@ private:
     GuardedBytes addresses_;
 };
 
+// On every instruction set that ComparedInstructionSets does not show as skipped.
 class GuardPages : public KernelDifferential {
 protected:
     // Slices, their table, pixels and scratch in guarded memory.
@@ -80,10 +82,8 @@ protected:
         const GuardedSlices slices(volume, end);
         for (const reference::Request& request : Views(volume, random)) {
             const reference::Projection expected = reference::Render(volume, request);
-            for (const render::InstructionSet set : render::kInstructionSets) {
-                if (set > render::BestInstructionSet()) continue;
-                FaultReport::Say("instruction set " + std::to_string(static_cast<int>(set)) + ", "
-                                 + Describe(request) + ", " + Describe(volume));
+            for (const render::InstructionSet set : RunnableInstructionSets()) {
+                FaultReport::Say(NameOf(set) + ", " + Describe(request) + ", " + Describe(volume));
                 render::ForceInstructionSet(set);
                 const reference::Projection actual = RenderGuarded(host, slices, end, request);
                 ASSERT_TRUE(SameBits(expected, actual)) << Describe(request) << "\n" << Describe(volume);

@@ -124,13 +124,11 @@ TEST_P(LongAxes, OfMoreVoxelsThanCropBoundsCanName) {
         for (const Rotation& view :
              {Rounded(along), Tilted(along, random.Below(2), RandomTilt(random, 0.01)), Rounded(across)}) {
             reference::Request request = ViewOf(compared.Plain(), view);
-            request.x0 = request.y0 = request.z0 = -32768;
-            request.x1 = request.y1 = request.z1 = 32767;
+            for (int any = 0; any < 3; ++any)
+                CropAxis(request, any, -32768, 32767);
             ASSERT_TRUE(compared.IsRenderedAlike(request)) << "axis " << axis;
-            request.x0 = request.y0 = request.z0 = 1;
-            if (axis == 0) request.x0 = 32700;
-            if (axis == 1) request.y0 = 32700;
-            if (axis == 2) request.z0 = 32700;
+            for (int any = 0; any < 3; ++any)
+                CropAxis(request, any, any == axis ? 32700 : 1, 32767);
             ASSERT_TRUE(compared.IsRenderedAlike(request)) << "axis " << axis;
         }
     }
@@ -150,9 +148,7 @@ TEST_P(LongAxes, StepsWhoseRoundedSumReachesOneVoxelFarther) {
             for (std::size_t element = 6; element < 9; ++element)
                 view[element] *= step;
             reference::Request request = ViewOf(compared.Plain(), view, 9.5f, 766.0f);
-            const auto first = static_cast<std::int16_t>(random.Between(15000, 16000));
-            (axis == 0 ? request.x0 : axis == 1 ? request.y0 : request.z0) = first;
-            (axis == 0 ? request.x1 : axis == 1 ? request.y1 : request.z1) = 32600;
+            CropAxis(request, axis, random.Between(15000, 16000), 32600);
             ASSERT_TRUE(compared.IsRenderedAlike(request)) << "axis " << axis << ", view " << index;
         }
     }

@@ -24,15 +24,6 @@ int CountSingles(const reference::Volume& volume, const reference::Request& requ
 
 class OneSampleRays : public KernelDifferential {
 protected:
-    static void SetCrop(reference::Request& request, const std::array<int, 6>& crop) {
-        request.x0 = static_cast<std::int16_t>(crop[0]);
-        request.x1 = static_cast<std::int16_t>(crop[1]);
-        request.y0 = static_cast<std::int16_t>(crop[2]);
-        request.y1 = static_cast<std::int16_t>(crop[3]);
-        request.z0 = static_cast<std::int16_t>(crop[4]);
-        request.z1 = static_cast<std::int16_t>(crop[5]);
-    }
-
     static Rotation EighthTurn(int axis, int second) {
         constexpr Angle kEighth = {0.7071067811865476, 0.7071067811865476};
         const DoubleMatrix turned = AboutAxis(axis, kEighth);
@@ -47,10 +38,11 @@ TEST_P(OneSampleRays, OneVoxelOfTheCrop) {
     for (int index = 0; index < 60; ++index) {
         reference::Request request = ViewOf(
             compared.Plain(), RandomRotation(random, static_cast<RotationKind>(index % kRotationKinds)));
-        const int x = random.Between(1, 18);
-        const int y = random.Between(1, 17);
-        const int z = random.Between(1, 19);
-        SetCrop(request, {x, x, y, y, z, z});
+        const std::array<int, 3> sides = {18, 17, 19};
+        for (int axis = 0; axis < 3; ++axis) {
+            const int voxel = random.Between(1, sides[static_cast<std::size_t>(axis)]);
+            CropAxis(request, axis, voxel, voxel);
+        }
         ASSERT_TRUE(compared.IsRenderedAlike(request));
         singles += CountSingles(compared.Plain(), request);
     }
@@ -67,10 +59,8 @@ TEST_P(OneSampleRays, OneSliceOfTheCropOnEachAxis) {
         const DoubleMatrix tilt = AboutAxis(random.Below(3), SmallAngle(random.Within(-3.0, 3.0)));
         reference::Request request =
             ViewOf(compared.Plain(), Rounded(random.Chance(3) ? along : Product(tilt, along)));
-        std::array<int, 6> crop = {1, 17, 1, 18, 1, 19};
-        const auto first = static_cast<std::size_t>(2 * axis);
-        crop[first] = crop[first + 1] = random.Between(1, 17);
-        SetCrop(request, crop);
+        const int slice = random.Between(1, 17);
+        CropAxis(request, axis, slice, slice);
         ASSERT_TRUE(compared.IsRenderedAlike(request));
         singles += CountSingles(compared.Plain(), request);
     }
@@ -102,7 +92,7 @@ TEST_P(OneSampleRays, GrazedEdgesAndCorners) {
                 reference::Request request = ViewOf(compared.Plain(), EighthTurn(axis, second));
                 ASSERT_TRUE(compared.IsRenderedAlike(request));
                 singles += CountSingles(compared.Plain(), request);
-                SetCrop(request, {1, side, 2, side - 1, 1, side});
+                CropAxis(request, 1, 2, side - 1);
                 ASSERT_TRUE(compared.IsRenderedAlike(request));
             }
         }

@@ -76,14 +76,12 @@ reference::Request WithExtra(reference::Request request, float extra) {
 }
 
 reference::Request WithCropX(reference::Request request, int first, int last) {
-    request.x0 = static_cast<std::int16_t>(first);
-    request.x1 = static_cast<std::int16_t>(last);
+    CropAxis(request, 0, first, last);
     return request;
 }
 
 reference::Request WithCropZ(reference::Request request, int first, int last) {
-    request.z0 = static_cast<std::int16_t>(first);
-    request.z1 = static_cast<std::int16_t>(last);
+    CropAxis(request, 2, first, last);
     return request;
 }
 

@@ -21,10 +21,8 @@ protected:
         reference::Request request = ViewOf(compared.Plain(), rotation);
         ASSERT_TRUE(compared.IsRenderedAlike(request));
         const Crop crop = RandomCrop(random, CropKind::Inside, compared.Plain());
-        request.x0 = crop.x0;
-        request.x1 = crop.x1;
-        request.y0 = crop.y0;
-        request.y1 = crop.y1;
+        CropAxis(request, 0, crop.x0, crop.x1);
+        CropAxis(request, 1, crop.y0, crop.y1);
         ASSERT_TRUE(compared.IsRenderedAlike(request));
     }
 };
@@ -95,15 +93,14 @@ TEST_P(UnevenMatrices, OffByAThousandthOverThousandsOfVoxels) {
     const ComparedVolume tilted(NoiseVolume(Size(3600, 3, 30), 6));
     for (const float error : {0.99e-3f, -0.99e-3f}) {
         reference::Request request = ViewOf(flat.Plain(), {1, 0, 0, 0, 1, 0, error, 0, 1});
-        request.z0 = 24;
-        request.z1 = 27;
+        CropAxis(request, 2, 24, 27);
         ASSERT_TRUE(flat.IsRenderedAlike(request));
 
         Rotation rotation = Rounded(AboutAxis(1, FromHalfTangent(0.15)));
         for (std::size_t element = 0; element < 3; ++element)
             rotation[element] += error * rotation[6 + element];
         request = ViewOf(tilted.Plain(), rotation);
-        request.y0 = request.y1 = 2; // so that no ray runs along a face
+        CropAxis(request, 1, 2, 2); // so that no ray runs along a face
         ASSERT_TRUE(tilted.IsRenderedAlike(request));
     }
 }

@@ -104,6 +104,11 @@ std::uint32_t RandomExtra(RandomSource& random) {
     return std::bit_cast<std::uint32_t>(static_cast<float>(random.Unit()));
 }
 
+void CropAxis(reference::Request& request, int axis, int first, int last) {
+    (axis == 0 ? request.x0 : axis == 1 ? request.y0 : request.z0) = static_cast<std::int16_t>(first);
+    (axis == 0 ? request.x1 : axis == 1 ? request.y1 : request.z1) = static_cast<std::int16_t>(last);
+}
+
 void CropTo(reference::Request& request, const Crop& crop) {
     request.x0 = crop.x0;
     request.x1 = crop.x1;

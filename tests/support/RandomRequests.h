@@ -76,6 +76,8 @@ Rotation UnusableRotation(RandomSource& random);
 Crop RandomCrop(RandomSource& random, CropKind kind, const reference::Volume& volume);
 Crop FullCrop(const reference::Volume& volume);
 void CropTo(reference::Request& request, const Crop& crop);
+// The bounds of one axis: 0 for x, 1 for y, 2 for z.
+void CropAxis(reference::Request& request, int axis, int first, int last);
 
 // `largestValue` is 255 for grey and 765 for colour.
 Window RandomWindow(RandomSource& random, WindowKind kind, int largestValue);
