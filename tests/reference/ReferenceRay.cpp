@@ -93,7 +93,8 @@ std::optional<Ray> TraceRay(const Frame& frame, int i, int j) {
     range.start = Stored(range.start + hd);
     range.end = Stored(range.end + hd);
 
-    // A ray that met no face still starts at the largest float and ends here.
+    // The last index is a float as all depths are: beyond 2^24 it is one that a float has. A ray that met no face still
+    // starts at the largest float and ends here.
     const float lastIndex = Stored(frame.outputSize[2] - 1);
     if (range.start > lastIndex) return std::nullopt;
     if (range.start < 0.0f) range.start = 0.0f;

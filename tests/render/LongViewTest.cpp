@@ -2,6 +2,8 @@
 // whole numbers that floats can tell apart.
 #include "render/KernelDifferential.h"
 
+#include "reference/ReferenceRay.h"
+
 #include <bit>
 
 namespace {
@@ -35,10 +37,24 @@ TEST_P(LongViews, WhoseDepthNoFloatIs) {
     const ComparedVolume compared(RandomVolume(random, Size(3, 3, 16400)));
     reference::Request request = RequestOf(compared.Plain(), 1023.9375f);
     for (const bool nearEnd : {false, true}) {
-        request.z0 = nearEnd ? 1 : 16400;
-        request.z1 = request.z0;
+        const int slice = nearEnd ? 1 : 16400;
+        CropAxis(request, 2, slice, slice);
         EXPECT_TRUE(compared.IsRenderedAlike(request));
     }
+}
+
+// The last of 16777220 depths is 16777219, which is kept as 16777220: there, and at no other depth, one of the two rays
+// meets the volume, which is a single column.
+TEST_P(LongViews, ThatMeetTheVolumeAtALastDepthThatWasRoundedUp) {
+    const ComparedVolume compared(NoiseVolume(Size(1, 1, 16500), 3));
+    const Rotation stretching = {1, 0, 0x1.310f0cp-14f, 0, 1, 0, -0x1.f8e338p-5f, 0, 0x1.fc6e7p+9f};
+    const reference::Request request = ViewOf(compared.Plain(), stretching);
+    const auto frame = reference::BuildFrame(compared.Plain(), request);
+    ASSERT_EQ(frame->outputSize, (std::array{2, 1, 16777220}));
+    const auto ray = reference::TraceRay(*frame, 1, 0);
+    ASSERT_TRUE(ray && ray->firstDepth == 16777220 && ray->lastDepth == 16777220);
+
+    EXPECT_TRUE(compared.IsRenderedAlike(request));
 }
 
 INSTANTIATE_TEST_SUITE_P(AllKernels, LongViews, ::testing::ValuesIn(AllKernels()),
