@@ -62,3 +62,17 @@ function(zentra_library_code target)
     $<$<BOOL:${WIN32}>:-g> -ffunction-sections -fdata-sections -fvisibility=hidden)
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
 endfunction()
+
+# What is compiled for one instruction set, always optimised.
+set(ZENTRA_INSTRUCTION_SETS sse2 avx2 avx512)
+set(zentra_flags_sse2)
+set(zentra_flags_avx2 -mavx2)
+set(zentra_flags_avx512 -mavx512f -mavx512dq -mavx512bw -mavx512vl -mprefer-vector-width=512)
+function(zentra_kernel_code target set)
+  zentra_library_code(${target})
+  separate_arguments(optimisation UNIX_COMMAND "${ZENTRA_OPTIMISATION}")
+  # GCC 12 finds its own AVX-512 intrinsics uninitialised; they are so on purpose.
+  target_compile_options(${target} PRIVATE ${zentra_flags_${set}} ${optimisation}
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-uninitialized -Wno-maybe-uninitialized>)
+  target_compile_definitions(${target} PRIVATE Z3D_RECORDS_ONLY)
+endfunction()
