@@ -46,7 +46,8 @@ static int RenderAProjection(void) {
 
     GetRotDim(volume, kIdentity, 1, 4, 1, 3, 1, 2, &width, &height, 0);
     EXPECT(width == 4 && height == 3);
-    pixels = GetRotProjection(volume, kIdentity, RenderModeMaximum, 1, 4, 1, 3, 1, 2, 255.0f, 0.0f, 0.0f, &width, &height, 0);
+    pixels = GetRotProjection(volume, kIdentity, RenderModeMaximum, 1, 4, 1, 3, 1, 2, 255.0f, 0.0f, 0.0f,
+                              &width, &height, 0);
     EXPECT(pixels != 0 && pixels[3] == 200.0f && pixels[0] == 0.0f);
 
     block = GlobalHandle(pixels);
