@@ -25,6 +25,7 @@ bool ContrastScores::Make() {
     return true;
 }
 
+// Everything or nothing: sizes are formed once, and checked.
 bool ContrastScores::Allocate() {
     const std::size_t plane = static_cast<std::size_t>(grid_.width) * static_cast<std::size_t>(grid_.height);
     const auto depth = static_cast<std::size_t>(grid_.depth);
@@ -44,6 +45,7 @@ std::size_t ContrastScores::LongestAxis() const {
     return static_cast<std::size_t>(std::max(grid_.width, std::max(grid_.height, grid_.depth)));
 }
 
+// Along each axis, the neighbour of an index depends on that index alone: four times three short tables hold all.
 void ContrastScores::FindNeighbours() {
     const std::int32_t sizes[3] = {grid_.width, grid_.height, grid_.depth};
     for (int number = 0; number < kDirections; ++number) {
@@ -75,6 +77,7 @@ void ContrastScores::FindRun(Direction& direction) const {
     }
 }
 
+// Scores all voxels of a row.
 void ContrastScores::ScoreRow(std::int32_t y, std::int32_t z) {
     // Every direction has one row of neighbours, and a run of columns that can be taken side by side.
     const std::uint8_t* row = grid_.At<1>(0, y, z);
@@ -104,6 +107,7 @@ void ContrastScores::ScoreRow(std::int32_t y, std::int32_t z) {
     }
 }
 
+// The score as its rule has it: at most four differences of 255, and none from outside the window.
 std::uint16_t ContrastScores::ScoreOne(const std::uint8_t* row, const std::uint8_t* const* neighbour,
                                        std::int32_t x) const {
     const ValueInterval accepted = window_.Accepted();
@@ -118,6 +122,7 @@ std::uint16_t ContrastScores::ScoreOne(const std::uint8_t* row, const std::uint8
     return static_cast<std::uint16_t>(score);
 }
 
+// The same for sixteen columns, whose neighbours lie the same number of columns away.
 void ContrastScores::ScoreSixteen(const std::uint8_t* row, const std::uint8_t* const* neighbour,
                                   std::int32_t x, std::uint16_t* to) const {
     const GreyVoxels centre = LoadVoxels<1>(row + x);

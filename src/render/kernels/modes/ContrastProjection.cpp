@@ -69,6 +69,7 @@ struct Scores {
     }
 };
 
+// Scores by their indexes, as FetchBytes takes voxels.
 [[gnu::noinline]] void Fetch(const std::uint16_t* const* slices, const Indexes& __restrict indexes,
                              int samples, Scores::Samples& __restrict stretch) {
     auto* __restrict to = reinterpret_cast<std::uint16_t*>(stretch.sample);
@@ -165,6 +166,7 @@ private:
     }
 };
 
+// False where there are no scores to be projected: a mask is wanted, or memory is short.
 bool RenderScores(const Projection& projection, const GreyWindow& window) {
     if (window.IsEmpty() || projection.grid.depth < kSmallestScoredDepth) return false;
     ContrastScores scores(projection, window);

@@ -13,6 +13,7 @@ struct RayDoubles {
     Doubles part[kParts];
 };
 
+// As many integers as there are double lanes: the low half of `low`, all of it, or both.
 Z3D_INLINE Doubles FromInts(__m128i low, [[maybe_unused]] __m128i high) {
 #if Z3D_VECTOR_BYTES == 64
     return reinterpret_cast<Doubles>(_mm512_cvtepi32_pd(_mm256_set_m128i(high, low)));
@@ -23,6 +24,7 @@ Z3D_INLINE Doubles FromInts(__m128i low, [[maybe_unused]] __m128i high) {
 #endif
 }
 
+// Numbers without sign; their 32-bit integers are formed four at a time first.
 Z3D_INLINE RayDoubles ToDoubles(const Sums& sums) {
     const __m128i zero = _mm_setzero_si128();
     const __m128i quad[4] = {_mm_unpacklo_epi16(sums.low, zero), _mm_unpackhi_epi16(sums.low, zero),
@@ -51,6 +53,7 @@ struct RayBlends {
     Z3D_INLINE float Of(int ray) const {
         return static_cast<float>(part[ray / kDoubleLanes][ray % kDoubleLanes]);
     }
+    // Exact: every part is a single-precision value.
     Z3D_INLINE RayFloats Values() const {
         float values[kRays];
         for (int index = 0; index < RayDoubles::kParts; ++index)

@@ -30,14 +30,17 @@ public:
         isSmallPlane_ = grid_.width < (1 << 15) && grid_.height < (1 << 15);
     }
 
+    // The neighbours of the samples of a stretch, whose positions have been kept.
     [[gnu::noinline]] void Find(const Indexes& __restrict from, int samples, Indexes& __restrict to) const {
         const int last = samples * kRays;
         for (int index = 0; index < last; index += kFloatLanes) {
+            // Find them in single precision, and note how close to a border each lies.
             Floats offCentre = {};
             const Ints x = Nearest(from, index, 0, offCentre);
             const Ints y = Nearest(from, index, 1, offCentre);
             const Ints z = Nearest(from, index, 2, offCentre);
             const Ints isSure = offCentre < largestOffCentre_;
+            // Ask the doubles where one of the vector is in doubt.
             if (isSmallPlane_ && !AnySet(reinterpret_cast<Uints>(~isSure))) {
                 Store(to.z[0] + index, reinterpret_cast<Uints>(z));
                 Store(to.plane[0] + index, RowTimesWidth(y, x, factors_));
@@ -60,6 +63,7 @@ private:
         return whole;
     }
 
+    // One neighbour as the plain form finds it: the sum in double, then the nearest voxel.
     [[gnu::noinline]] void FindOne(const Indexes& from, int index, Indexes& to) const {
         std::uint32_t nearest[3];
         for (int axis = 0; axis < 3; ++axis) {

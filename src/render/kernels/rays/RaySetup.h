@@ -35,6 +35,7 @@ private:
     };
 
     Z3D_INLINE void TrimRays(Doubles px, double py, std::int32_t* first, std::int32_t* count) const {
+        // Form both ends of the rays, axis by axis, and see which rays pass the crop box by.
         Ends ends;
         LongMask missed = {};
         for (int axis = 0; axis < 3; ++axis) {
@@ -51,6 +52,7 @@ private:
             ends.exit[axis] = exit;
         }
 
+        // Intersect them with its six faces.
         Doubles start = AllDoubles(kHighestSingle);
         Doubles end = AllDoubles(-kHighestSingle);
         // Six times the same code would be a tenth of all kernels.
@@ -74,6 +76,7 @@ private:
         start = Select(missed, Doubles{}, start);
         end = Select(missed, Doubles{}, end);
 
+        // Count the samples.
         StoreTruncated(first, start);
         std::int32_t lastIndex[kDoubleLanes];
         StoreTruncated(lastIndex, end);

@@ -66,6 +66,7 @@ public:
 private:
     static constexpr int kParts = kRays / kFloatLanes;
 
+    // All rays on one axis: one addition per sample, kept in registers throughout.
     Z3D_INLINE static void SkipOnAxis(float* positions, Floats step) {
         Floats at[kParts];
 #pragma GCC unroll kParts
@@ -82,6 +83,7 @@ private:
             Store(positions + part * kFloatLanes, at[part]);
     }
 
+    // The samples of as many rays as a vector has lanes, one after another. Small planes take 16-bit products.
     template <bool kSmallPlane, bool kKeepPositions>
     [[gnu::noinline]] void Step(Positions& positions, int samples, Indexes& indexes) const {
         for (int lane = 0; lane < kRays; lane += kFloatLanes) {
@@ -89,6 +91,7 @@ private:
             Floats y = LoadFloats(positions.axis[1] + lane);
             Floats z = LoadFloats(positions.axis[2] + lane);
             for (int sample = 0; sample < samples; ++sample) {
+                // Take the nearest voxel.
                 const Ints column = Nearest(x, 0);
                 const Ints row = Nearest(y, 1);
                 if constexpr (kSmallPlane) {
@@ -103,6 +106,7 @@ private:
                     Store(indexes.position[1][sample] + lane, y);
                     Store(indexes.position[2][sample] + lane, z);
                 }
+                // Go on by a step, rounded to single precision.
                 x += step_[0];
                 y += step_[1];
                 z += step_[2];
@@ -113,6 +117,7 @@ private:
         }
     }
 
+    // The nearest index that is sampled. Clamped first, so that every coordinate can be truncated.
     Z3D_INLINE Ints Nearest(Floats coordinate, int axis) const {
         const Floats inside = Min(Max(coordinate, first_[axis]), last_[axis]);
 #if Z3D_VECTOR_BYTES == 64

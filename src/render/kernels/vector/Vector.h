@@ -33,6 +33,7 @@ constexpr int kDoubleLanes = Z3D_VECTOR_BYTES / 8;
 
 using render::AnySet;
 
+// Unaligned, as all loads and stores here.
 Z3D_INLINE Floats LoadFloats(const float* from) {
     Floats value;
     __builtin_memcpy(&value, from, sizeof value);
@@ -156,6 +157,7 @@ Z3D_INLINE void StoreTruncated(std::int32_t* to, Doubles value) {
 #endif
 }
 
+// As Min and Max of floats.
 Z3D_INLINE Doubles MinDoubles(Doubles a, Doubles b) {
 #if Z3D_VECTOR_BYTES == 64
     return reinterpret_cast<Doubles>(
@@ -199,6 +201,7 @@ Z3D_INLINE Doubles Select(LongMask mask, Doubles set, Doubles clear) {
                                      | (reinterpret_cast<LongMask>(clear) & ~mask));
 }
 
+// Whether a lane of a mask is set.
 Z3D_INLINE bool AnySet(LongMask mask) {
 #if Z3D_VECTOR_BYTES == 64
     return _mm512_movepi64_mask(reinterpret_cast<__m512i>(mask)) != 0;
