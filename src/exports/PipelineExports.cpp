@@ -44,11 +44,14 @@ Volume3D* GetImage(const compose::RgbImageRequest* request, const frame::Host* h
 
 } // namespace
 
+// The result pointers are written through, further down.
+// NOLINTBEGIN(readability-non-const-parameter)
 Volume3D* Z3D_CALL GetRGBImage(const char* redFile, const char* greenFile, const char* blueFile, short width,
                                short height, short depth, int reserved1, int reserved2, int reserved3,
                                short is8bit, short maxDiagonal, float* outMax, float* outMin,
                                float* rangeMaxOut, float* rangeMinOut, unsigned int user,
                                ProgressCallback callback, int keepChannelsApart) {
+    // NOLINTEND(readability-non-const-parameter)
     static_cast<void>(reserved1);
     static_cast<void>(reserved2);
     static_cast<void>(reserved3);

@@ -94,7 +94,7 @@ void PacketWalk::FollowRays(const Packet& packet, std::int32_t top, std::int32_t
     Positions positions;
     rays_.PlaceStarts(packet, top, left, positions);
     wasFruitless_ = false;
-    int samples = rule_.looks.first;
+    int samples = 0;
     for (std::int32_t done = 0; done < packet.longest; done += samples) {
         // Pass over a stretch that changes nothing.
         const Bytes remaining = RemainingOf(packet, done);
@@ -132,7 +132,7 @@ void PacketWalk::FinishPacket(std::int32_t top, std::int32_t left) {
     // The packet reaches beyond the image: only a part of it is copied.
     float pixels[kPacketSide][3 * kPacketSide];
     rule_.finish(rule_, states_.own, {pixels[0], 3 * kPacketSide});
-    const auto floats = static_cast<std::size_t>(3 * Fewer(columns, kPacketSide));
+    const std::size_t floats = std::size_t{3} * static_cast<std::size_t>(Fewer(columns, kPacketSide));
     for (std::int32_t row = 0; row < Fewer(rows, kPacketSide); ++row)
         __builtin_memcpy(projection_.PixelAt(top + row, left), pixels[row], floats * sizeof(float));
 }

@@ -101,7 +101,9 @@ void RowWalk::ReduceColumns(std::int32_t left) {
     }
 
     // Follow the rays.
-    __builtin_memset(states_, 0, static_cast<std::size_t>(kRays * groups_ * rule_.stateBytes));
+    __builtin_memset(states_, 0,
+                     std::size_t{kRays} * static_cast<std::size_t>(groups_)
+                         * static_cast<std::size_t>(rule_.stateBytes));
     Positions positions = starts_;
     bool isLive = true;
     for (std::int32_t done = 0; done < longest_ && isLive; done += kSamples) {
