@@ -42,8 +42,8 @@ public:
             const Ints isSure = offCentre < largestOffCentre_;
             // Ask the doubles where one of the vector is in doubt.
             if (isSmallPlane_ && !AnySet(reinterpret_cast<Uints>(~isSure))) {
-                Store(to.z[0] + index, reinterpret_cast<Uints>(z));
-                Store(to.plane[0] + index, RowTimesWidth(y, x, factors_));
+                Store(&to.z[index / kRays][index % kRays], reinterpret_cast<Uints>(z));
+                Store(&to.plane[index / kRays][index % kRays], RowTimesWidth(y, x, factors_));
             } else {
                 for (int lane = 0; lane < kFloatLanes; ++lane)
                     FindOne(from, index + lane, to);
@@ -55,7 +55,7 @@ private:
     // The nearest index, and how far from the middle between two borders the coordinate lies. Beyond the volume that
     // is no distance: the border voxel stands for all.
     Z3D_INLINE Ints Nearest(const Indexes& from, int index, int axis, Floats& offCentre) const {
-        const Floats moved = LoadFloats(from.position[axis][0] + index) + steps_[axis];
+        const Floats moved = LoadFloats(&from.position[axis][index / kRays][index % kRays]) + steps_[axis];
         const Floats shifted = Min(Max(moved + toUpper_, half_), last_[axis]);
         const Ints whole = Truncate(shifted);
         const Floats off = shifted - ToFloats(whole) - half_;
