@@ -1,7 +1,9 @@
 """Volumes from NIfTI, NRRD and PNG files, and raw samples of more than a byte."""
 import gzip
+import io
 import struct
-import zlib
+
+import PIL.Image
 
 from tool import MAX, ToolTest, png
 
@@ -18,12 +20,10 @@ def nifti(dim, code, samples, order="<", spacing=(1, 1, 1), slope=0.0, intercept
 
 
 def grey_png(rows, bits=8):
-    packed = b"".join(b"\0" + struct.pack(f">{len(row)}{'H' if bits == 16 else 'B'}", *row) for row in rows)
-    chunks = [(b"IHDR", struct.pack(">II5B", len(rows[0]), len(rows), bits, 0, 0, 0, 0)),
-              (b"IDAT", zlib.compress(packed)), (b"IEND", b"")]
-    return b"\x89PNG\r\n\x1a\n" + b"".join(
-        struct.pack(">I", len(body)) + kind + body + struct.pack(">I", zlib.crc32(kind + body))
-        for kind, body in chunks)
+    samples = b"".join(struct.pack(f"<{len(row)}{'H' if bits == 16 else 'B'}", *row) for row in rows)
+    file = io.BytesIO()
+    PIL.Image.frombytes("I;16" if bits == 16 else "L", (len(rows[0]), len(rows)), samples).save(file, "PNG")
+    return file.getvalue()
 
 
 class VolumeTest(ToolTest):
