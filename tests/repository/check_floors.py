@@ -27,7 +27,7 @@ POSIX_HEADER = re.compile(r"^(unistd|fcntl|pthread|dlfcn|poll|dirent|strings|sys
 # Beside the Windows side of the platform door: what stands outside the library and meets it as hosts do, tests
 # of the door, and what tests use to watch it.
 WINDOWS_FOLDERS = ("tools/", "tests/exports/", "tests/platform/", "tests/soak/", "tests/support/",
-                   "examples/", "bench/")
+                   "tests/viewer/", "examples/", "bench/")
 
 SCANNED_FOLDERS = ("src", "include", "tests", "tools", "bench", "examples", "fuzz")
 SOURCE_SUFFIXES = {".h", ".cpp", ".c", ".inl", ".inc"}
