@@ -13,7 +13,7 @@ namespace z3d::test {
 struct StretchProbe {
     // The voxel indexes of sixteen samples of sixteen rays, the first of which lie at `positions`.
     void (*takeStretch)(const render::Projection& projection, bool backToFront, std::int32_t margin,
-                        render::Positions positions, render::Indexes& indexes);
+                        const render::Positions& positions, render::Indexes& indexes);
 
     // What the table, which has been made, says about these sixteen stretches.
     void (*lookUp)(const render::BoundTable& table, const render::Positions& positions,

@@ -12,12 +12,13 @@ using render::Z3D_ISA::BoundLookup;
 using render::Z3D_ISA::RayShape;
 using render::Z3D_ISA::SampleStepper;
 
-void TakeStretch(const Projection& projection, bool backToFront, std::int32_t margin, Positions positions,
-                 Indexes& indexes) {
+void TakeStretch(const Projection& projection, bool backToFront, std::int32_t margin,
+                 const Positions& positions, Indexes& indexes) {
     RayShape shape;
     shape.backToFront = backToFront;
     shape.margin = margin;
-    SampleStepper(projection, shape).NextStretch(positions, kSamples, indexes, false);
+    Positions behind = positions;
+    SampleStepper(projection, shape).NextStretch(behind, kSamples, indexes, false);
 }
 
 void LookUp(const BoundTable& table, const Positions& positions, std::uint8_t (&bounds)[kRays]) {
