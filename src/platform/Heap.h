@@ -32,8 +32,6 @@ public:
     explicit operator bool() const { return data_ != nullptr; }
     T* Get() const { return data_; }
     T& operator[](std::size_t index) const { return data_[index]; }
-    // The caller becomes the owner.
-    T* Release() { return std::exchange(data_, nullptr); }
 
 private:
     T* data_ = nullptr;

@@ -122,15 +122,4 @@ TEST(HeapArray, MovesItsElements) {
         << "the assigned array's own block waits in the other one";
 }
 
-TEST(HeapArray, ReleaseMakesTheCallerTheOwner) {
-    HeapArray<Pair> array(1);
-
-    Pair* pairs = array.Release();
-    EXPECT_FALSE(array);
-    EXPECT_EQ(test::Outstanding(Resource::Heap), 1);
-
-    HeapFree(pairs);
-    EXPECT_EQ(test::OutstandingInTotal(), 0);
-}
-
 } // namespace
