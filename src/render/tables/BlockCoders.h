@@ -1,4 +1,4 @@
-// What a block of 2 x 2 x 2 voxels can contribute, as one byte: 0 when no voxel of it lies in the window, else one
+// What a block of voxels can contribute, as one byte: 0 when no voxel of it lies in the window, else one
 // more than its largest measure (255 stands for 254 and 255). A code may be too large, never too small.
 #pragma once
 
@@ -11,28 +11,6 @@ namespace z3d::render {
 
 constexpr int kColumns = 16; // that are coded side by side
 
-// Sixteen columns of voxels as they lie in memory, of which `columns` exist. The last one is repeated once, as its own
-// neighbour; what lies beyond is filled with a byte that changes no result.
-template <int kBytes>
-Z3D_INLINE void LoadColumns(const std::uint8_t* voxels, std::int32_t columns, std::uint8_t beyond,
-                            Bytes (&bytes)[kBytes]) {
-    if (columns == kColumns) {
-        __builtin_memcpy(&bytes, voxels, sizeof bytes);
-        return;
-    }
-    std::uint8_t filled[kBytes * (kColumns + 1)];
-    __builtin_memset(filled, beyond, sizeof filled);
-    const auto existing = std::size_t{kBytes} * static_cast<std::size_t>(columns);
-    __builtin_memcpy(filled, voxels, existing);
-    __builtin_memcpy(filled + existing, voxels + existing - kBytes, kBytes);
-    __builtin_memcpy(&bytes, filled, sizeof bytes);
-}
-Z3D_INLINE Bytes LoadGrey(const std::uint8_t* voxels, std::int32_t columns) {
-    Bytes bytes[1];
-    LoadColumns(voxels, columns, 0, bytes);
-    return bytes[0];
-}
-
 // Coders take the rows of voxels of a block one after another, sixteen columns at a time.
 
 // Grey, any window: each voxel is tested.
@@ -41,13 +19,11 @@ public:
     static constexpr int kBytes = 1;
     GreyCoder(const GreyWindow& window, Measure measure) : window_(window), measure_(measure) {}
     using State = Bytes; // largest code
-    Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
-        const Bytes value = LoadGrey(row, columns);
+    Z3D_INLINE State First(const std::uint8_t* row) const {
+        const Bytes value = LoadBytes(row);
         return window_.Accepts({{value}}) & OneMore(measure_ == Measure::Smallness ? ~value : value);
     }
-    Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
-        state = Larger(state, First(row, columns));
-    }
+    Z3D_INLINE void Add(State& state, const std::uint8_t* row) const { state = Larger(state, First(row)); }
     Z3D_INLINE Bytes Code(State state) const { return state; }
 
 private:
@@ -71,12 +47,12 @@ public:
                || (measure == Measure::Smallness && window.Accepted().first == 0);
     }
     using State = Bytes;
-    Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
-        const Bytes value = LoadGrey(row, columns);
+    Z3D_INLINE State First(const std::uint8_t* row) const {
+        const Bytes value = LoadBytes(row);
         return kLargest ? value : value - shift_;
     }
-    Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
-        const Bytes value = First(row, columns);
+    Z3D_INLINE void Add(State& state, const std::uint8_t* row) const {
+        const Bytes value = First(row);
         state = kLargest ? Larger(state, value) : Smaller(state, value);
     }
     Z3D_INLINE Bytes Code(State state) const {
@@ -100,8 +76,7 @@ public:
     RgbCoder(const RgbWindow& window, Measure measure)
         : first_(_mm_set1_epi16(static_cast<short>(window.Accepted().first))),
           last_(_mm_set1_epi16(static_cast<short>(window.Accepted().last))),
-          measure_(measure),
-          beyond_(measure == Measure::Smallness ? 255 : 0) {}
+          measure_(measure) {}
     static bool Fits(const RgbWindow& window, Measure measure) {
         const bool needsLargest = measure == Measure::Largeness || window.Accepted().first > 0;
         const bool needsSmallest = measure == Measure::Smallness || window.Accepted().last < kLargestSum;
@@ -112,16 +87,16 @@ public:
         Bytes largest[3];
         Bytes smallest[3];
     };
-    Z3D_INLINE State First(const std::uint8_t* row, std::int32_t columns) const {
+    Z3D_INLINE State First(const std::uint8_t* row) const {
         State state;
-        LoadColumns(row, columns, beyond_, state.largest);
+        __builtin_memcpy(&state.largest, row, sizeof state.largest);
         for (int part = 0; part < 3; ++part)
             state.smallest[part] = state.largest[part];
         return state;
     }
-    Z3D_INLINE void Add(State& state, const std::uint8_t* row, std::int32_t columns) const {
+    Z3D_INLINE void Add(State& state, const std::uint8_t* row) const {
         Bytes bytes[3];
-        LoadColumns(row, columns, beyond_, bytes);
+        __builtin_memcpy(&bytes, row, sizeof bytes);
 #pragma GCC unroll 3
         for (int part = 0; part < 3; ++part) {
             if (kLargest) state.largest[part] = Larger(state.largest[part], bytes[part]);
@@ -170,7 +145,6 @@ private:
     const __m128i first_;
     const __m128i last_;
     const Measure measure_;
-    const std::uint8_t beyond_;
     Bytes highest_[3] = {};
 };
 

@@ -3,9 +3,9 @@
 namespace z3d::render {
 
 BlockExtent::BlockExtent(const VoxelGrid& grid)
-    : blocksX((grid.width + 2) / 2 + 1),
-      blocksY((grid.height + 2) / 2 + 1),
-      blocksZ((grid.depth + 2) / 2 + 1),
+    : blocksX(grid.width / kBlockSide + 2),
+      blocksY(grid.height / kBlockSide + 2),
+      blocksZ(grid.depth / kBlockSide + 2),
       layers(blocksZ < kMostLayers ? blocksZ : kMostLayers),
       stride((static_cast<std::size_t>(blocksX) + 2 * kReach + 31) / 16 * 16),
       layer(stride * static_cast<std::size_t>(blocksY)),

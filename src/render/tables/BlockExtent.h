@@ -8,13 +8,15 @@
 
 namespace z3d::render {
 
-// Blocks of 2 voxels a side, with one border block all round. Codes are kept for the few layers of blocks that bounds
-// are just taken over; their rows have room for the 8 blocks that a stretch can reach to either side. Behind the last
-// row there is room for vectors that are too long.
+constexpr std::int32_t kBlockSide = 4; // voxels
+
+// Blocks, with one border block all round. Codes are kept for the few layers of blocks that bounds are just taken over;
+// their rows have room for the 4 blocks that a stretch can reach to either side. Behind the last row there is room for
+// vectors that are too long.
 struct BlockExtent {
-    static constexpr std::int32_t kReach = 9;
+    static constexpr std::int32_t kReach = 5; // 4 blocks, and 1 for the dilation
     static constexpr std::size_t kRowPadding = 64;
-    static constexpr std::int32_t kMostLayers = 12; // 9 that stretches touch, and 3 for the dilation
+    static constexpr std::int32_t kMostLayers = 6; // 5 that stretches touch, and 1 for the dilation
 
     std::int32_t blocksX, blocksY, blocksZ;
     std::int32_t layers;       // of codes
@@ -25,7 +27,7 @@ struct BlockExtent {
 
     std::size_t CodeBytes() const { return layer * static_cast<std::size_t>(layers); }
 
-    // Of codes and bounds together, about a sixth of the voxels. A size that cannot be had where it does not fit, or
+    // Of codes and bounds together, about a fiftieth of the voxels. A size that cannot be had where it does not fit, or
     // where padding makes the table of a thin volume larger than the volume twice.
     std::size_t TableBytes(const VoxelGrid& grid) const;
 };

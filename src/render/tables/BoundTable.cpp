@@ -9,6 +9,9 @@
 namespace z3d::render {
 namespace {
 
+// Which are counted from 1: the last one, too.
+std::int32_t BlocksIn(std::int32_t size) { return (size + kBlockSide - 1) / kBlockSide; }
+
 // Whole vectors, as rows are; front to back, so that a row can be merged with itself one byte on.
 void Merge(std::uint8_t* to, const std::uint8_t* from, std::size_t bytes) {
     for (std::size_t at = 0; at < bytes; at += 16) {
@@ -44,7 +47,7 @@ BoundTable::BoundTable(const Projection& projection, const TableSubject& subject
     // of the block coordinate.
     const double largest = std::max(grid_.width, std::max(grid_.height, grid_.depth));
     rounding_ = (largest + 32) * 0x1p-19;
-    surely_ = rounding_ / 2 + 0x1p-12;
+    surely_ = rounding_ / kBlockSide + 0x1p-12;
 }
 
 BoundTable::~BoundTable() = default;
@@ -53,7 +56,9 @@ bool BoundTable::IsPossible() const {
     for (const float step : step_) {
         if (!(std::fabs(step) <= kLongestStep)) return false;
     }
-    return extent_.boundsStride < (1 << 15) && extent_.blocksY < (1 << 15);
+    const auto layers = static_cast<std::uint32_t>(extent_.blocksZ);
+    return extent_.boundsStride < (1 << 15) && extent_.blocksY < (1 << 15)
+           && std::uint64_t{extent_.boundsLayer} * layers < (std::uint64_t{1} << 31);
 }
 
 bool BoundTable::Make() {
@@ -76,8 +81,8 @@ void BoundTable::FindOffsets() {
     for (int sample = 0; sample < kSamples; ++sample) {
         Offset offset;
         for (int axis = 0; axis < 3; ++axis) {
-            const double shift = sample * static_cast<double>(step_[axis]) / 2;
-            const double slack = step_[axis] == 0 ? 0 : rounding_ / 2;
+            const double shift = sample * static_cast<double>(step_[axis]) / kBlockSide;
+            const double slack = step_[axis] == 0 ? 0 : rounding_ / kBlockSide;
             offset.axis[axis] = static_cast<std::int32_t>(std::floor(surely_ + shift - slack));
             const auto highest = static_cast<std::int32_t>(std::ceil(1 - surely_ + shift + slack)) - 1;
             reach_[axis] = std::max(reach_[axis], highest - offset.axis[axis]);
@@ -92,7 +97,7 @@ void BoundTable::FindOffsets() {
 template <class Coder>
 void BoundTable::FillWith(Coder& coder) {
     BlockCodes codes(grid_, sampled_, subject_.margin, extent_, coder);
-    const std::int32_t lastZ = (grid_.depth + 1) / 2;
+    const std::int32_t lastZ = BlocksIn(grid_.depth);
     std::int32_t next = FirstCoded(2);
     // Stretches begin in the sampled blocks, or a border block beside them.
     for (std::int32_t z = sampled_.first[2] - 1; z <= sampled_.last[2] + 1 && z < extent_.blocksZ; ++z) {
@@ -112,7 +117,7 @@ std::int32_t BoundTable::FirstCoded(int axis) const {
 
 // Each code becomes the largest of its own and the following ones within reach on each axis.
 void BoundTable::Dilate(std::int32_t z) const {
-    const std::int32_t lastY = (grid_.height + 1) / 2;
+    const std::int32_t lastY = BlocksIn(grid_.height);
     for (std::int32_t y = sampled_.first[1]; y <= sampled_.last[1]; ++y) {
         std::uint8_t* row = CodeRow(y, z) - BlockExtent::kReach;
         for (std::int32_t pass = 0; pass < reach_[0]; ++pass)
@@ -130,8 +135,8 @@ void BoundTable::Dilate(std::int32_t z) const {
 
 // A row of bounds is the largest of the rows of codes at the offsets that a stretch can reach.
 void BoundTable::FormBounds(std::int32_t z) const {
-    const std::int32_t lastY = (grid_.height + 1) / 2;
-    const std::int32_t lastZ = (grid_.depth + 1) / 2;
+    const std::int32_t lastY = BlocksIn(grid_.height);
+    const std::int32_t lastZ = BlocksIn(grid_.depth);
     for (std::int32_t y = sampled_.first[1] - 1; y <= sampled_.last[1] + 1 && y < extent_.blocksY; ++y) {
         const std::uint8_t* from[kSamples];
         int count = 0;

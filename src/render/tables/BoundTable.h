@@ -1,15 +1,16 @@
 // Empty-space skipping: which stretches of a ray need not be looked at.
 //
-// Blocks of 2 x 2 x 2 voxels have codes (see BlockCoders). The bound of a block is the largest code of all blocks
+// Blocks of 4 x 4 x 4 voxels have codes (see BlockCoders). The bound of a block is the largest code of all blocks
 // that a stretch of 16 samples can touch whose first sample lies in it.
 //
 // Which blocks those are. A coordinate p is sampled at index floor(p + 0.49), which lies in block
-// floor((p + 2.49) / 2), counted from one border block before the volume. Let the first sample's quotient lie
-// surely within a block: by d on either side. Sample t's is larger by t s / 2, s being the step of the ray, up to
-// e / 2 for the rounding of 15 additions. So sample t's block lies between floor(d + (t s - e) / 2) and
-// ceil(1 - d + (t s + e) / 2) - 1 blocks on. The bound is taken over codes that have been dilated by the width of
-// this range, at a dozen block offsets. Indexes beyond the volume are sampled at its border: blocks repeat
-// there, one axis at a time, exactly as indexes are clamped.
+// floor((p + 4.49) / 4), counted from one border block before the volume. Let the first sample's quotient lie
+// surely within a block: by d on either side. Sample t's is larger by t s / 4, s being the step of the ray, up to
+// e / 4 for the rounding of 15 additions. So sample t's block lies between floor(d + (t s - e) / 4) and
+// ceil(1 - d + (t s + e) / 4) - 1 blocks on. d is larger than e / 4, so these are at most one block apart, and for
+// the first sample the same block. The bound is taken over codes that have been dilated by the width of this range, at
+// half a dozen block offsets. Indexes beyond the volume are sampled at its border: blocks repeat there, one axis at a
+// time, exactly as indexes are clamped.
 #pragma once
 
 #include "platform/Heap.h"
@@ -42,8 +43,8 @@ public:
     BoundTable(const BoundTable&) = delete;
     BoundTable& operator=(const BoundTable&) = delete;
 
-    // Whether there can be a table. Block coordinates must fit into 15 bits. A stretch must not reach beyond the padding
-    // of a row: matrices that lengthen a ray's step, which hosts may pass, get no table.
+    // Whether there can be a table. Block coordinates must fit into 15 bits, places of bounds into 31. A stretch must
+    // not reach beyond the padding of a row: matrices that lengthen a ray's step, which hosts may pass, get no table.
     bool IsPossible() const;
 
     // Allocates and fills the table; false when memory is short, and then there is none.
@@ -62,7 +63,7 @@ public:
     Z3D_INLINE double LargestOffCentre() const { return 0.5 - surely_ - rounding_ / 16; }
 
 private:
-    // 15 steps and their rounding (at most 0.13) stay within 16 voxels: 8 blocks.
+    // 15 steps and their rounding (at most 0.13) stay within 16 voxels: 4 blocks.
     static constexpr float kLongestStep = 1.03125f;
 
     struct Offset {

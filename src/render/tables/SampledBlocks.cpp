@@ -1,6 +1,7 @@
 #include "render/tables/SampledBlocks.h"
 
 #include "render/ViewProducts.h"
+#include "render/tables/BlockExtent.h"
 
 namespace z3d::render {
 namespace {
@@ -26,13 +27,13 @@ SampledBlocks::SampledBlocks(const ProjectionRenderer& view, const VoxelGrid& gr
         const double low = static_cast<double>(view.CropLow(axis)) + view.volumeCentre[axis] - margin;
         const double high = static_cast<double>(view.CropHigh(axis)) + view.volumeCentre[axis] + margin;
         const bool isCropped = isKnown && low <= high;
-        first[axis] = 1 + (isCropped && low > 0 ? IndexBelow(low, end) : 0) / 2;
-        last[axis] = 1 + (isCropped && high < end ? IndexBelow(high, end) : end) / 2;
+        first[axis] = 1 + (isCropped && low > 0 ? IndexBelow(low, end) : 0) / kBlockSide;
+        last[axis] = 1 + (isCropped && high < end ? IndexBelow(high, end) : end) / kBlockSide;
     }
 }
 
 double SampledBlocks::Voxels() const {
-    double voxels = 8;
+    double voxels = kBlockSide * kBlockSide * kBlockSide;
     for (int axis = 0; axis < 3; ++axis)
         voxels *= last[axis] - first[axis] + 1;
     return voxels;

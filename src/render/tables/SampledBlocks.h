@@ -6,7 +6,7 @@
 
 namespace z3d::render {
 
-// Blocks of 2 x 2 x 2 voxels, counted from one border block before the volume. Axes are x, y, z.
+// Blocks of voxels, counted from one border block before the volume. Axes are x, y, z.
 struct SampledBlocks {
     std::int32_t first[3];
     std::int32_t last[3];

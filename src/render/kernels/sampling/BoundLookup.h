@@ -18,17 +18,18 @@ public:
             last_[axis] = AllFloats(__builtin_nextafterf(static_cast<float>(blocks[axis]), 0));
         }
         half_ = AllFloats(0.5f);
-        firstBlock_ = AllFloats(1.245f); // (0 + 2.49) / 2
+        perBlock_ = AllFloats(1.0f / kBlockSide);
+        firstBlock_ = AllFloats(1 + 0.49f / kBlockSide);
         largestOffCentre_ = AllFloats(static_cast<float>(table.LargestOffCentre()));
         factors_ = FactorsFor(static_cast<std::uint32_t>(extent.boundsStride));
+        layerBytes_ = static_cast<std::uint32_t>(extent.boundsLayer);
     }
 
     // The bounds of sixteen stretches by the positions of their first samples. 255 where a position lies too close to
     // a face between blocks, or too far outside the volume, to be sure of its block.
     [[gnu::noinline]] Bytes BoundsAt(const Positions& positions) const {
         // Find the block of each position.
-        alignas(64) std::uint32_t layer[kRays];
-        alignas(64) std::uint32_t cell[kRays];
+        alignas(64) std::uint32_t place[kRays];
         alignas(64) Ints isSure[kRays / kFloatLanes];
         for (int part = 0; part < kRays / kFloatLanes; ++part) {
             const int lane = part * kFloatLanes;
@@ -36,17 +37,15 @@ public:
             const Ints x = Block(LoadFloats(positions.axis[0] + lane), 0, offCentre);
             const Ints y = Block(LoadFloats(positions.axis[1] + lane), 1, offCentre);
             const Ints z = Block(LoadFloats(positions.axis[2] + lane), 2, offCentre);
-            Store(cell + lane, RowTimesWidth(y, x, factors_));
-            Store(layer + lane, reinterpret_cast<Uints>(z));
+            Store(place + lane, RowTimesWidth(y, x, factors_) + reinterpret_cast<Uints>(z) * layerBytes_);
             isSure[part] = offCentre < largestOffCentre_;
         }
 
         // Look its bound up.
         const std::uint8_t* bounds = table_.Bounds();
-        const std::size_t layerBytes = table_.Extent().boundsLayer;
         alignas(16) std::uint8_t bound[kRays];
         for (int ray = 0; ray < kRays; ++ray)
-            bound[ray] = bounds[layer[ray] * layerBytes + cell[ray]];
+            bound[ray] = bounds[place[ray]];
         const auto* sure = reinterpret_cast<const __m128i*>(isSure);
         const __m128i low = _mm_packs_epi32(sure[0], sure[1]);
         const __m128i high = _mm_packs_epi32(sure[2], sure[3]);
@@ -56,7 +55,7 @@ public:
 private:
     // The block coordinate, and how far from the middle of a block the position lies; in blocks.
     Z3D_INLINE Ints Block(Floats position, int axis, Floats& offCentre) const {
-        const Floats at = Min(Max(position * half_ + firstBlock_, Floats{}), last_[axis]);
+        const Floats at = Min(Max(position * perBlock_ + firstBlock_, Floats{}), last_[axis]);
         const Ints block = Truncate(at);
         const Floats off = at - ToFloats(block) - half_;
         offCentre = Max(offCentre, Max(off, -off));
@@ -66,9 +65,11 @@ private:
     const BoundTable& table_;
     Floats last_[3];
     Floats half_;
+    Floats perBlock_;
     Floats firstBlock_;
     Floats largestOffCentre_;
     Ints factors_;
+    std::uint32_t layerBytes_;
 };
 
 } // namespace z3d::render::Z3D_ISA
