@@ -3,7 +3,7 @@
 
 #include "render/StretchIndexes.h"
 #include "render/kernels/vector/Vector.h"
-#include "render/tables/FetchBytes.h"
+#include "render/tables/FetchVoxels.h"
 #include "render/voxels/VoxelGrid.h"
 
 namespace z3d::render::Z3D_ISA {
@@ -41,48 +41,47 @@ Z3D_INLINE void Fetch(const VoxelGrid& grid, const Indexes& indexes, int samples
 }
 
 // Slices of one voxel.
-[[gnu::noinline, gnu::cold]] inline void FetchOnlyVoxels(const VoxelGrid& grid, const std::uint32_t* z,
-                                                         std::uint32_t* words) {
-    for (int ray = 0; ray < kRays; ++ray) {
-        const std::uint8_t* voxel = grid.slices[z[ray]];
-        words[ray] = static_cast<std::uint32_t>(voxel[0] | voxel[1] << 8 | voxel[2] << 16);
+[[gnu::noinline, gnu::cold]] inline void
+FetchOnlyVoxels(const std::uint8_t* const* slices, const std::uint32_t* z, int count, std::uint32_t* words) {
+    for (int index = 0; index < count; ++index) {
+        const std::uint8_t* voxel = slices[z[index]];
+        words[index] = static_cast<std::uint32_t>(voxel[0] | voxel[1] << 8 | voxel[2] << 16);
     }
 }
 
 [[gnu::noinline, gnu::cold]] inline void ShiftLastVoxels(const std::uint32_t* plane, std::uint32_t last,
-                                                         std::uint32_t* words) {
-    for (int ray = 0; ray < kRays; ++ray)
-        words[ray] >>= plane[ray] == last ? 8 : 0;
+                                                         int count, std::uint32_t* words) {
+    for (int index = 0; index < count; ++index)
+        words[index] >>= plane[index] == last ? 8 : 0;
 }
 
-// Sixteen colours as words. A slice's last voxel has nothing behind it that may be read: it is read with the byte
-// before it.
-Z3D_INLINE void FetchWords(const VoxelGrid& grid, const std::uint32_t* z, const std::uint32_t* plane,
-                           std::uint32_t last, std::uint32_t* words) {
-    const std::uint8_t* const* slices = grid.slices;
-    if (last == 0) return FetchOnlyVoxels(grid, z, words);
-    alignas(64) std::uint32_t offset[kRays];
+// Colours as words. A slice's last voxel has nothing behind it that may be read: it is read with the byte before it.
+Z3D_INLINE void FetchColours(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
+                             std::uint32_t (&__restrict words)[kSamples][kRays]) {
+    const std::uint32_t last =
+        static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
+    const int count = samples * kRays;
+    if (last == 0) return FetchOnlyVoxels(grid.slices, indexes.z[0], count, words[0]);
+
+    // All offsets before all loads: what has just been stored is loaded at once only in the pieces it was stored in.
     Uints isAnyLast = {};
-    for (int ray = 0; ray < kRays; ray += kFloatLanes) {
-        const Uints voxel = LoadUints(plane + ray);
-        const Uints isLast = reinterpret_cast<Uints>(voxel == last);
-        Store(offset + ray, voxel + voxel + voxel + isLast);
-        isAnyLast |= isLast;
+    for (int sample = 0; sample < samples; ++sample) {
+        for (int ray = 0; ray < kRays; ray += kFloatLanes) {
+            const Uints voxel = LoadUints(indexes.plane[sample] + ray);
+            const Uints isLast = reinterpret_cast<Uints>(voxel == last);
+            Store(words[sample] + ray, voxel + voxel + voxel + isLast);
+            isAnyLast |= isLast;
+        }
     }
-#pragma GCC unroll 8
-    for (int ray = 0; ray < kRays; ++ray)
-        __builtin_memcpy(&words[ray], slices[z[ray]] + offset[ray], 4);
-    if (AnySet(isAnyLast)) ShiftLastVoxels(plane, last, words);
+    FetchWords(grid.slices, indexes.z[0], count, words[0]);
+    if (AnySet(isAnyLast)) ShiftLastVoxels(indexes.plane[0], last, count, words[0]);
 }
 
 [[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
                                     Stretch<3>& __restrict stretch) {
-    const std::uint32_t last =
-        static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
-    // All words first: a vector load waits for narrower stores to its bytes that are still under way.
+    // All words before their bytes: a vector load waits for narrower stores to its bytes that are still under way.
     alignas(64) std::uint32_t words[kSamples][kRays];
-    for (int sample = 0; sample < samples; ++sample)
-        FetchWords(grid, indexes.z[sample], indexes.plane[sample], last, words[sample]);
+    FetchColours(grid, indexes, samples, words);
     for (int sample = 0; sample < samples; ++sample)
         SplitWords(words[sample], stretch.sample[sample]);
 }
