@@ -144,8 +144,8 @@ void MeasureSweep(const reference::Volume& volume, const std::string& name, cons
 int main(int argc, char** argv) {
     const Options options = bench::ReadOptions(argc, argv, kUsage);
     const reference::Volume head = bench::LoadHead(options.head);
-    std::printf("ns per sample: plain form | SSE2, AVX2, AVX-512 where the processor has them, each with its "
-                "ratio\n");
+    std::printf("ns per sample: plain form | SSE2, AVX2, AVX-512, AVX-512 with gathers where the processor "
+                "has them, each with its ratio\n");
     MeasureSweep(head, "head", options);
     Figures figures;
     for (const VolumeRows& rows : bench::AllRows(head))

@@ -45,7 +45,7 @@ InstructionSet BestInstructionSet() {
     if (!Has(state, kSavesZmm) || !Has(ebx, bit_AVX512F | bit_AVX512DQ | bit_AVX512BW | bit_AVX512VL)) {
         return InstructionSet::Avx2;
     }
-    return InstructionSet::Avx512;
+    return Has(edx, bit_AVX512FP16) ? InstructionSet::Avx512Gather : InstructionSet::Avx512;
 }
 
 InstructionSet CurrentInstructionSet() {

@@ -15,6 +15,7 @@ extern const KernelTable kKernels;
 const KernelTable& KernelsOf(InstructionSet set) {
     switch (set) {
     case InstructionSet::Avx512:
+    case InstructionSet::Avx512Gather:
         return avx512::kKernels;
     case InstructionSet::Avx2:
         return avx2::kKernels;

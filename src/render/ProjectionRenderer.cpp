@@ -163,11 +163,13 @@ float* ProjectionRenderer::RenderWith(const ModeKernels& kernels, const RenderAr
     ProjectionImage image(outputWidth, outputHeight);
     if (!image) return nullptr;
 
-    const Projection projection = {.view = *this,
-                                   .grid = {locked.Slices(), volumeWidth, volumeHeight, volumeDepth},
-                                   .arguments = arguments,
-                                   .pixels = image.Pixels(),
-                                   .skipPolicy = CurrentSkipPolicy()};
+    const Projection projection = {
+        .view = *this,
+        .grid = {locked.Slices(), volumeWidth, volumeHeight, volumeDepth,
+                 platform::CurrentInstructionSet() == platform::InstructionSet::Avx512Gather},
+        .arguments = arguments,
+        .pixels = image.Pixels(),
+        .skipPolicy = CurrentSkipPolicy()};
     (locked.IsColour() ? kernels.colour : kernels.grey)(projection);
     return image.Release();
 }

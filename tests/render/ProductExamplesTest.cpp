@@ -34,7 +34,8 @@ RendererUnderTest Product(const char* name) {
 INSTANTIATE_TEST_SUITE_P(Product, RenderExamples,
                          ::testing::Values(Product<render::InstructionSet::Sse2>("Sse2"),
                                            Product<render::InstructionSet::Avx2>("Avx2"),
-                                           Product<render::InstructionSet::Avx512>("Avx512")),
+                                           Product<render::InstructionSet::Avx512>("Avx512"),
+                                           Product<render::InstructionSet::Avx512Gather>("Avx512Gather")),
                          ::testing::PrintToStringParamName());
 
 } // namespace

@@ -14,6 +14,7 @@ struct VoxelGrid {
     std::int32_t width;
     std::int32_t height;
     std::int32_t depth;
+    bool isGathered = false; // by single instructions: only where the instruction set in use is Avx512Gather
 
     // The bytes of voxel (x, y, z), which must exist.
     template <int kBytesPerVoxel>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "render/StretchIndexes.h"
-#include "render/kernels/vector/Vector.h"
+#include "render/kernels/vector/Gathers.h"
 #include "render/tables/BoundTable.h"
 
 namespace z3d::render::Z3D_ISA {
@@ -10,7 +10,8 @@ namespace z3d::render::Z3D_ISA {
 class BoundLookup {
 public:
     // The table may be made later, but before the first look-up.
-    explicit BoundLookup(const BoundTable& table) : table_(table) {
+    BoundLookup(const BoundTable& table, const VoxelGrid& grid)
+        : table_(table), isGathered_(grid.isGathered) {
         const BlockExtent& extent = table.Extent();
         const std::int32_t blocks[3] = {extent.blocksX, extent.blocksY, extent.blocksZ};
         for (int axis = 0; axis < 3; ++axis) {
@@ -30,7 +31,7 @@ public:
     [[gnu::noinline]] Bytes BoundsAt(const Positions& positions) const {
         // Find the block of each position.
         alignas(64) std::uint32_t place[kRays];
-        alignas(64) Ints isSure[kRays / kFloatLanes];
+        alignas(64) Ints sure[kRays / kFloatLanes];
         for (int part = 0; part < kRays / kFloatLanes; ++part) {
             const int lane = part * kFloatLanes;
             Floats offCentre = {};
@@ -38,21 +39,34 @@ public:
             const Ints y = Block(LoadFloats(positions.axis[1] + lane), 1, offCentre);
             const Ints z = Block(LoadFloats(positions.axis[2] + lane), 2, offCentre);
             Store(place + lane, RowTimesWidth(y, x, factors_) + reinterpret_cast<Uints>(z) * layerBytes_);
-            isSure[part] = offCentre < largestOffCentre_;
+            sure[part] = offCentre < largestOffCentre_;
         }
 
         // Look its bound up.
         const std::uint8_t* bounds = table_.Bounds();
+        const Bytes isSure = NarrowMask(sure);
+#if Z3D_VECTOR_BYTES == 64
+        // Of four bytes the lowest: behind the last bound there is padding.
+        if (isGathered_) return LowestBytes(GatherWords(bounds, LoadUints(place))) | ~isSure;
+#endif
         alignas(16) std::uint8_t bound[kRays];
         for (int ray = 0; ray < kRays; ++ray)
             bound[ray] = bounds[place[ray]];
-        const auto* sure = reinterpret_cast<const __m128i*>(isSure);
-        const __m128i low = _mm_packs_epi32(sure[0], sure[1]);
-        const __m128i high = _mm_packs_epi32(sure[2], sure[3]);
-        return LoadBytes(bound) | ~NarrowMask({low, high});
+        return LoadBytes(bound) | ~isSure;
     }
 
 private:
+    Z3D_INLINE static Bytes NarrowMask(const Ints (&mask)[kRays / kFloatLanes]) {
+#if Z3D_VECTOR_BYTES == 64
+        return ToBytes(_mm_movm_epi8(_mm512_movepi32_mask(reinterpret_cast<__m512i>(mask[0]))));
+#else
+        const auto* quads = reinterpret_cast<const __m128i*>(mask);
+        const __m128i low = _mm_packs_epi32(quads[0], quads[1]);
+        const __m128i high = _mm_packs_epi32(quads[2], quads[3]);
+        return render::NarrowMask({low, high});
+#endif
+    }
+
     // The block coordinate, and how far from the middle of a block the position lies; in blocks.
     Z3D_INLINE Ints Block(Floats position, int axis, Floats& offCentre) const {
         const Floats at = Min(Max(position * perBlock_ + firstBlock_, Floats{}), last_[axis]);
@@ -63,6 +77,7 @@ private:
     }
 
     const BoundTable& table_;
+    [[maybe_unused]] const bool isGathered_;
     Floats last_[3];
     Floats half_;
     Floats perBlock_;

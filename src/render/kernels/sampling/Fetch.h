@@ -2,7 +2,7 @@
 #pragma once
 
 #include "render/StretchIndexes.h"
-#include "render/kernels/vector/Vector.h"
+#include "render/kernels/vector/Gathers.h"
 #include "render/tables/FetchVoxels.h"
 #include "render/voxels/VoxelGrid.h"
 
@@ -35,8 +35,54 @@ Z3D_INLINE void SplitWords(const std::uint32_t (&words)[kRays], RgbVoxels& voxel
     voxels.channel[2] = ToBytes(c);
 }
 
-// Grey voxels are fetched one by one, by one function for all instruction sets.
+#if Z3D_VECTOR_BYTES == 64
+// Gathers load four bytes, and behind a slice's last voxel nothing may be read: the last voxels are found higher up in
+// the slice's last four bytes. False for slices of less than four bytes.
+[[gnu::noinline]] inline bool Gather(const VoxelGrid& grid, const Indexes& indexes, int samples,
+                                     Stretch<1>& stretch) {
+    const std::uint32_t voxels =
+        static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height);
+    if (voxels < 4) return false;
+    const __m512i lastWord = _mm512_set1_epi32(static_cast<int>(voxels - 4));
+    for (int sample = 0; sample < samples; ++sample) {
+        const __m512i plane = _mm512_load_si512(indexes.plane[sample]);
+        const __m512i word = _mm512_min_epu32(plane, lastWord);
+        const Uints four = GatherFromSlices(grid.slices, indexes.z[sample], reinterpret_cast<Uints>(word));
+        const __m512i bits = _mm512_slli_epi32(_mm512_sub_epi32(plane, word), 3);
+        stretch.sample[sample].channel[0] =
+            LowestBytes(reinterpret_cast<Uints>(_mm512_srlv_epi32(reinterpret_cast<__m512i>(four), bits)));
+    }
+    return true;
+}
+
+// The same of colours: only the last voxel has nothing behind it.
+[[gnu::noinline]] inline bool Gather(const VoxelGrid& grid, const Indexes& indexes, int samples,
+                                     Stretch<3>& stretch) {
+    const std::uint32_t last =
+        static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
+    if (last == 0) return false;
+    for (int sample = 0; sample < samples; ++sample) {
+        const Uints voxel = LoadUints(indexes.plane[sample]);
+        const Uints isLast = reinterpret_cast<Uints>(voxel == last);
+        const Uints offset = voxel + voxel + voxel + isLast;
+        const Uints colour = GatherFromSlices(grid.slices, indexes.z[sample], offset) >> (isLast & 8);
+        Bytes(&channel)[3] = stretch.sample[sample].channel;
+        channel[0] = LowestBytes(colour);
+        channel[1] = LowestBytes(colour >> 8);
+        channel[2] = LowestBytes(colour >> 16);
+    }
+    return true;
+}
+#else
+template <int kChannels>
+Z3D_INLINE bool Gather(const VoxelGrid&, const Indexes&, int, Stretch<kChannels>&) {
+    return false;
+}
+#endif
+
+// Grey voxels are fetched one by one, by one function for all instruction sets, where they are not gathered.
 Z3D_INLINE void Fetch(const VoxelGrid& grid, const Indexes& indexes, int samples, Stretch<1>& stretch) {
+    if (grid.isGathered && Gather(grid, indexes, samples, stretch)) return;
     FetchBytes(grid.slices, indexes, samples, reinterpret_cast<std::uint8_t*>(stretch.sample));
 }
 
@@ -79,6 +125,7 @@ Z3D_INLINE void FetchColours(const VoxelGrid& grid, const Indexes& __restrict in
 
 [[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
                                     Stretch<3>& __restrict stretch) {
+    if (grid.isGathered && Gather(grid, indexes, samples, stretch)) return;
     // All words before their bytes: a vector load waits for narrower stores to its bytes that are still under way.
     alignas(64) std::uint32_t words[kSamples][kRays];
     FetchColours(grid, indexes, samples, words);

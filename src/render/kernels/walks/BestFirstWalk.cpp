@@ -24,7 +24,7 @@ BestFirstWalk::BestFirstWalk(const Projection& projection, const Rule& rule, con
       rays_(projection.view, rule.shape),
       stepper_(projection, rule.shape),
       table_(projection, rule.subject),
-      bounds_(table_) {}
+      bounds_(table_, projection.grid) {}
 
 std::int32_t BestFirstWalk::Render() {
     for (std::int32_t band = 0; band < rays_.Bottom(); band += kTileSide) {

@@ -22,7 +22,7 @@ PacketWalk::PacketWalk(const Projection& projection, const Rule& rule)
       rays_(projection.view, rule.shape),
       stepper_(projection, rule.shape),
       table_(projection, rule.subject),
-      bounds_(table_) {}
+      bounds_(table_, projection.grid) {}
 
 void PacketWalk::Render(std::int32_t firstRow) {
     for (std::int32_t band = firstRow; band < rays_.Bottom(); band += kTileSide) {

@@ -1,0 +1,59 @@
+// Gathers: sixteen loads by one instruction, for processors that are quick at them (see InstructionSet).
+#pragma once
+
+#include "render/kernels/vector/Vector.h"
+
+#if Z3D_VECTOR_BYTES == 64
+
+namespace z3d::render::Z3D_ISA {
+
+// Every lane, as a mask that the compiler cannot see through. Gathers merge into their destination: with a mask that it
+// knows to be full it would leave out clearing that register, and each gather would wait for the last use of it.
+Z3D_INLINE __mmask16 EveryLane() {
+    __mmask16 all = 0xFFFF;
+    asm("" : "+k"(all));
+    return all;
+}
+
+// The four bytes from `from` + each of `offsets`, which count as signed.
+Z3D_INLINE Uints GatherWords(const std::uint8_t* from, Uints offsets) {
+    return reinterpret_cast<Uints>(_mm512_mask_i32gather_epi32(_mm512_setzero_si512(), EveryLane(),
+                                                               reinterpret_cast<__m512i>(offsets), from, 1));
+}
+
+// The lowest byte of each word. In a register: the form of the instruction that writes to memory takes ten times as
+// long.
+Z3D_INLINE Bytes LowestBytes(Uints words) {
+    __m128i bytes = _mm512_cvtepi32_epi8(reinterpret_cast<__m512i>(words));
+    asm("" : "+x"(bytes));
+    return ToBytes(bytes);
+}
+
+// The four bytes `offset` bytes into each slice.
+Z3D_INLINE Uints GatherFromSlices(const std::uint8_t* const* slices, const std::uint32_t* z, Uints offset) {
+    const __m512i index = _mm512_loadu_si512(z);
+    const __m512i zero = _mm512_setzero_si512();
+    const __mmask16 all = EveryLane();
+    if constexpr (sizeof(void*) == 4) {
+        const __m512i first = _mm512_mask_i32gather_epi32(zero, all, index, slices, 4);
+        return GatherWords(nullptr, reinterpret_cast<Uints>(first) + offset);
+    } else {
+        __m256i words[2];
+        for (int half = 0; half < 2; ++half) {
+            const __m256i at =
+                half == 0 ? _mm512_castsi512_si256(index) : _mm512_extracti64x4_epi64(index, 1);
+            const auto offsets = reinterpret_cast<__m512i>(offset);
+            const __m256i bytes =
+                half == 0 ? _mm512_castsi512_si256(offsets) : _mm512_extracti64x4_epi64(offsets, 1);
+            const auto lanes = static_cast<__mmask8>(all);
+            const __m512i first = _mm512_mask_i32gather_epi64(zero, lanes, at, slices, 8);
+            const __m512i address = _mm512_add_epi64(first, _mm512_cvtepu32_epi64(bytes));
+            words[half] = _mm512_mask_i64gather_epi32(_mm256_setzero_si256(), lanes, address, nullptr, 1);
+        }
+        return reinterpret_cast<Uints>(_mm512_inserti64x4(_mm512_castsi256_si512(words[0]), words[1], 1));
+    }
+}
+
+} // namespace z3d::render::Z3D_ISA
+
+#endif
