@@ -1,15 +1,44 @@
 #include "render/kernels/walks/BestFirstWalk.h"
 
+#include "render/kernels/vector/Gathers.h"
+
 namespace z3d::render::Z3D_ISA {
 namespace {
 
 constexpr std::int64_t kTrial = 4096; // stretches after which the walk may be given up
+constexpr int kWorthALook = 8;        // rays of a packet: fewer are left to the queue
 
 constexpr std::int32_t Fewer(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
 
 // The rays with a stretch ahead that can change them.
 Z3D_INLINE Bytes Wants(Bytes bound, const GreyExtreme::State& state) {
     return AreAbove(bound, ReachedBound(state.largest[0], state.isFound));
+}
+
+// How many bytes of a mask are set.
+Z3D_INLINE int CountOf(Bytes mask) {
+    const __m128i sums = _mm_sad_epu8(Raw(mask & AllBytes(1)), _mm_setzero_si128());
+    return _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);
+}
+
+// The bytes of a packet's pixels, which are four rows of four.
+template <int kColumns>
+Z3D_INLINE Bytes LoadSquare(const std::uint8_t (&pixels)[kTileSide][kColumns], std::int32_t row,
+                            std::int32_t column) {
+    static_assert(kPacketSide == 4);
+    std::int32_t line[kPacketSide];
+    for (int index = 0; index < kPacketSide; ++index)
+        __builtin_memcpy(&line[index], pixels[row + index] + column, kPacketSide);
+    return ToBytes(_mm_set_epi32(line[3], line[2], line[1], line[0]));
+}
+
+template <int kColumns>
+Z3D_INLINE void StoreSquare(Bytes square, std::uint8_t (&pixels)[kTileSide][kColumns], std::int32_t row,
+                            std::int32_t column) {
+    std::uint8_t bytes[kRays];
+    __builtin_memcpy(bytes, &square, sizeof square);
+    for (int index = 0; index < kPacketSide; ++index)
+        __builtin_memcpy(pixels[row + index] + column, bytes + kPacketSide * index, kPacketSide);
 }
 
 std::uint8_t SamplesOf(const Packet& packet, int ray, std::int32_t done, int stretch) {
@@ -65,13 +94,13 @@ void BestFirstWalk::LookAtPacket(const Packet& packet, std::int32_t row, std::in
     rays_.PlaceStarts(packet, top_ + row, left_ + column, positions);
     for (std::int32_t done = 0; done < packet.longest; done += kChunk * kSamples) {
         const int stretches = FindBounds(packet, done, positions);
-        LookAtBest(packet, done, stretches, state);
+        int fewest = 1;
+        while (LookAtBest(packet, done, stretches, fewest, state))
+            fewest = kWorthALook;
         for (int stretch = 0; stretch < stretches; ++stretch)
             Enqueue(packet, row, column, done, stretch, Wants(bound_[stretch], state));
     }
-    for (int ray = 0; ray < kRays; ++ray) {
-        if (packet.count[ray] > 0) Merge(row + ray / kPacketSide, column + ray % kPacketSide, state, ray);
-    }
+    MergePacket(row, column, state);
 }
 
 // Marches through the next stretches, up to a chunk: where each starts, and the bound of each ray there; 0 for a ray
@@ -88,8 +117,8 @@ int BestFirstWalk::FindBounds(const Packet& packet, std::int32_t done, Positions
     return stretches;
 }
 
-// Each ray looks at its stretch of the largest bound.
-void BestFirstWalk::LookAtBest(const Packet& packet, std::int32_t done, int stretches,
+// Each ray looks at its stretch of the largest bound, if there are `fewest` rays that can gain by it.
+bool BestFirstWalk::LookAtBest(const Packet& packet, std::int32_t done, int stretches, int fewest,
                                GreyExtreme::State& state) {
     // Find these stretches.
     Bytes largest = {};
@@ -100,20 +129,41 @@ void BestFirstWalk::LookAtBest(const Packet& packet, std::int32_t done, int stre
         largest = Larger(largest, bound_[stretch]);
     }
     const Bytes wanted = Wants(largest, state);
-    if (!AnySet(wanted)) return;
+    if (CountOf(wanted) < fewest) return false;
 
     // Look at them together.
     Positions positions;
+    PlaceBest(best, positions);
     Bytes samples = {};
-    for (int ray = 0; ray < kRays; ++ray) {
+    for (unsigned rays = BitsOf(wanted); rays != 0; rays &= rays - 1) {
+        const int ray = __builtin_ctz(rays);
         const int stretch = best[ray];
-        for (int axis = 0; axis < 3; ++axis)
-            positions.axis[axis][ray] = starts_[stretch].axis[axis][ray];
-        if (!wanted[ray]) continue;
         samples[ray] = SamplesOf(packet, ray, done, stretch);
         bound_[stretch][ray] = 0;
     }
     LookAt(positions, samples, state);
+    return true;
+}
+
+// Where each ray's chosen stretch starts.
+Z3D_INLINE void BestFirstWalk::PlaceBest(Bytes best, Positions& positions) const {
+#if Z3D_VECTOR_BYTES == 64
+    if (projection_.grid.isGathered) {
+        const Uints lane = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15};
+        const auto stretch = reinterpret_cast<Uints>(_mm512_cvtepu8_epi32(Raw(best)));
+        const Uints place = stretch * static_cast<std::uint32_t>(sizeof(Positions)) + lane * 4;
+        for (int axis = 0; axis < 3; ++axis) {
+            const auto* from = reinterpret_cast<const std::uint8_t*>(starts_[0].axis[axis]);
+            Store(positions.axis[axis], reinterpret_cast<Floats>(GatherWords(from, place)));
+        }
+        return;
+    }
+#endif
+    for (int ray = 0; ray < kRays; ++ray) {
+        const int stretch = best[ray];
+        for (int axis = 0; axis < 3; ++axis)
+            positions.axis[axis][ray] = starts_[stretch].axis[axis][ray];
+    }
 }
 
 // One stretch of each ray.
@@ -153,16 +203,19 @@ void BestFirstWalk::LookAtQueue() {
     }
     GreyExtreme::State state{};
     LookAt(queue_.positions, LoadBytes(queue_.samples), state);
-    for (int slot = 0; slot < queue_.size; ++slot)
-        Merge(queue_.row[slot], queue_.column[slot], state, slot);
+    for (int slot = 0; slot < queue_.size; ++slot) {
+        std::uint8_t& rank = rank_[queue_.row[slot]][queue_.column[slot]];
+        const std::uint8_t other = state.largest[0][slot];
+        isFound_[queue_.row[slot]][queue_.column[slot]] |= state.isFound[slot];
+        if (other > rank) rank = other;
+    }
     queue_.size = 0;
 }
 
-void BestFirstWalk::Merge(std::int32_t row, std::int32_t column, const GreyExtreme::State& state, int ray) {
-    std::uint8_t& rank = rank_[row][column];
-    const std::uint8_t other = state.largest[0][ray];
-    isFound_[row][column] |= state.isFound[ray];
-    if (other > rank) rank = other;
+// The queue may have found something for these pixels before. Rays without samples change nothing.
+void BestFirstWalk::MergePacket(std::int32_t row, std::int32_t column, const GreyExtreme::State& state) {
+    StoreSquare(Larger(LoadSquare(rank_, row, column), state.largest[0]), rank_, row, column);
+    StoreSquare(LoadSquare(isFound_, row, column) | state.isFound, isFound_, row, column);
 }
 
 void BestFirstWalk::FinishSpan(std::int32_t rows, std::int32_t columns) const {

@@ -1,6 +1,7 @@
 // The walk for a largest rank, where the order of samples does not matter: each ray first looks at the stretch
-// that promises most, and then only at stretches whose bound is above what it has. The latter are collected from
-// many rays until sixteen can be looked at together.
+// that promises most, and then only at stretches whose bound is above what it has. The rays of a packet do so together
+// while many of them have such stretches; what is left is collected from many packets until sixteen rays can be looked
+// at together.
 #pragma once
 
 #include "render/kernels/modes/Extreme.h"
@@ -36,12 +37,14 @@ private:
     void RenderSpan(std::int32_t band, std::int32_t rows, std::int32_t left, std::int32_t columns);
     void LookAtPacket(const Packet& packet, std::int32_t row, std::int32_t column);
     int FindBounds(const Packet& packet, std::int32_t done, Positions& positions);
-    void LookAtBest(const Packet& packet, std::int32_t done, int stretches, GreyExtreme::State& state);
+    bool LookAtBest(const Packet& packet, std::int32_t done, int stretches, int fewest,
+                    GreyExtreme::State& state);
+    void PlaceBest(Bytes best, Positions& positions) const;
     void LookAt(Positions& positions, Bytes samples, GreyExtreme::State& state);
     void Enqueue(const Packet& packet, std::int32_t row, std::int32_t column, std::int32_t done, int stretch,
                  Bytes wanted);
     void LookAtQueue();
-    void Merge(std::int32_t row, std::int32_t column, const GreyExtreme::State& state, int ray);
+    void MergePacket(std::int32_t row, std::int32_t column, const GreyExtreme::State& state);
     void FinishSpan(std::int32_t rows, std::int32_t columns) const;
 
     const Projection& projection_;
