@@ -12,7 +12,11 @@ constexpr std::int32_t kSmallestShadedDepth = 3;
 template <class Format>
 class SurfaceShade {
 public:
-    explicit SurfaceShade(const Projection& projection) : grid_(projection.grid), view_(projection.view) {}
+    explicit SurfaceShade(const Projection& projection)
+        : grid_(projection.grid),
+          view_(projection.view),
+          x_(NeighboursOf(grid_.width, Format::kBytes)),
+          y_(NeighboursOf(grid_.height, Format::kBytes * std::ptrdiff_t{grid_.width})) {}
 
     bool IsShaded() const { return grid_.depth >= kSmallestShadedDepth; }
 
@@ -20,15 +24,13 @@ public:
     // share of the sum. Doubles within the term, which enters the pixel with one rounding.
     [[gnu::noinline]] void AddTo(float (&shown)[Format::kChannels][kRays], const SamplePlace& at, int ray,
                                  float weight) const {
-        const auto width = static_cast<std::uint32_t>(grid_.width);
-        const auto x = static_cast<std::int32_t>(at.Plane(ray) % width);
-        const auto y = static_cast<std::int32_t>(at.Plane(ray) / width);
-        const auto z = static_cast<std::int32_t>(at.Z(ray));
-        const double shade = IsShaded() ? Shade(x, y, z) : 1.0;
+        const std::uint8_t* const* slice = grid_.slices + at.Z(ray);
+        const std::size_t offset = std::size_t{at.Plane(ray)} * Format::kBytes;
+        const double shade = IsShaded() ? Shade(slice, offset) : 1.0;
         if constexpr (Format::kBytes == 1) {
             shown[0][ray] = static_cast<float>(shown[0][ray] + weight * shade);
         } else {
-            const std::uint8_t* voxel = grid_.At<Format::kBytes>(x, y, z);
+            const std::uint8_t* voxel = *slice + offset;
             for (int c = 0; c < 3; ++c) {
                 shown[c][ray] =
                     static_cast<float>(shown[c][ray] + voxel[c] * shade * weight / Format::ValueOf(voxel));
@@ -37,12 +39,25 @@ public:
     }
 
 private:
+    // How far, in bytes, the neighbours along an axis lie from a sampled voxel.
+    struct Neighbours {
+        std::ptrdiff_t below;
+        std::ptrdiff_t above;
+    };
+
+    // Only inner voxels are sampled: both neighbours exist. On axes too short for an inner voxel the first one is
+    // sampled (see SampledIndexes), and repeats beyond the border.
+    static Neighbours NeighboursOf(std::int32_t size, std::ptrdiff_t step) {
+        return {size >= 3 ? -step : 0, size >= 2 ? step : 0};
+    }
+
     // |g . view| / |g| for the central difference g of the voxel values. 0 where the neighbourhood is flat. In
     // [0, 1] for a view of unit length; front and back faces are alike.
-    double Shade(std::int32_t x, std::int32_t y, std::int32_t z) const {
-        const double gx = ValueAt(x + 1, y, z) - ValueAt(x - 1, y, z);
-        const double gy = ValueAt(x, y + 1, z) - ValueAt(x, y - 1, z);
-        const double gz = ValueAt(x, y, z + 1) - ValueAt(x, y, z - 1);
+    double Shade(const std::uint8_t* const* slice, std::size_t offset) const {
+        const std::uint8_t* voxel = *slice + offset;
+        const double gx = Format::ValueOf(voxel + x_.above) - Format::ValueOf(voxel + x_.below);
+        const double gy = Format::ValueOf(voxel + y_.above) - Format::ValueOf(voxel + y_.below);
+        const double gz = Format::ValueOf(slice[1] + offset) - Format::ValueOf(slice[-1] + offset);
         // Rounded to single precision before the root is taken.
         const double squared = static_cast<float>(gz * gz + gy * gy + gx * gx);
         if (!(squared > 0)) return 0;
@@ -50,14 +65,10 @@ private:
                / __builtin_sqrt(squared);
     }
 
-    // Axes too short for an inner voxel have neighbours beyond the border: they repeat it.
-    std::int32_t ValueAt(std::int32_t x, std::int32_t y, std::int32_t z) const {
-        return Format::ValueOf(grid_.At<Format::kBytes>(
-            ClampToAxis(x, grid_.width), ClampToAxis(y, grid_.height), ClampToAxis(z, grid_.depth)));
-    }
-
     const VoxelGrid& grid_;
     const ProjectionRenderer& view_;
+    const Neighbours x_;
+    const Neighbours y_;
 };
 
 } // namespace z3d::render::Z3D_ISA
