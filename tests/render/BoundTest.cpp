@@ -47,7 +47,7 @@ public:
 
     render::Projection Projection() const {
         return {view_,
-                {slices_.data(), plain_.width, plain_.height, plain_.depth},
+                {slices_.data(), plain_.width, plain_.height, plain_.depth, IsGathering()},
                 {},
                 nullptr,
                 render::SkipPolicy::Always};
@@ -59,7 +59,8 @@ public:
         const double low = Low(axis);
         const double any = random.Within(low, High(axis) + 1e-9);
         if (random.Chance(2)) return static_cast<float>(std::min(any, High(axis)));
-        const double border = std::floor(any / 2) * 2 - 0.49 + random.Within(-0.001, 0.001);
+        const double border =
+            std::floor(any / render::kBlockSide) * render::kBlockSide - 0.49 + random.Within(-0.001, 0.001);
         return static_cast<float>(std::clamp(border, low, High(axis)));
     }
     bool IsInside(float position, int axis) const { return position >= Low(axis) && position <= High(axis); }
@@ -112,7 +113,7 @@ protected:
         }
         std::uint8_t bounds[kRays];
         render::Indexes indexes;
-        ProbeOf(GetParam()).lookUp(table, positions, bounds);
+        ProbeOf(GetParam()).lookUp(scene.Projection(), table, positions, bounds);
         ProbeOf(GetParam())
             .takeStretch(scene.Projection(), scene.Subject().backToFront, scene.Subject().margin, positions,
                          indexes);

@@ -51,7 +51,7 @@ protected:
         const float extra = GetParam().extra;
         const render::Projection projection = {
             view,
-            {slices.Get(), view.volumeWidth, view.volumeHeight, view.volumeDepth},
+            {slices.Get(), view.volumeWidth, view.volumeHeight, view.volumeDepth, IsGathering()},
             {request.high, request.low, extra},
             pixels.As<float>(),
             render::CurrentSkipPolicy()};

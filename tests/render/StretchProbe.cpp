@@ -13,7 +13,7 @@ extern const StretchProbe kStretchProbe;
 }
 
 const StretchProbe& ProbeOf(render::InstructionSet set) {
-    if (set == render::InstructionSet::Avx512) return avx512::kStretchProbe;
+    if (set >= render::InstructionSet::Avx512) return avx512::kStretchProbe;
     return set == render::InstructionSet::Avx2 ? avx2::kStretchProbe : sse2::kStretchProbe;
 }
 

@@ -15,9 +15,9 @@ struct StretchProbe {
     void (*takeStretch)(const render::Projection& projection, bool backToFront, std::int32_t margin,
                         const render::Positions& positions, render::Indexes& indexes);
 
-    // What the table, which has been made, says about these sixteen stretches.
-    void (*lookUp)(const render::BoundTable& table, const render::Positions& positions,
-                   std::uint8_t (&bounds)[render::kRays]);
+    // What the table, which has been made for the projection, says about these sixteen stretches.
+    void (*lookUp)(const render::Projection& projection, const render::BoundTable& table,
+                   const render::Positions& positions, std::uint8_t (&bounds)[render::kRays]);
 
     // Floats whose bits are first, first + stride ... up to last, none of them below -2 or as large as 65536: the bits
     // of the first one whose index on the x or the z axis is not trunc(c + 0.49) in doubles, clamped to the axis. -1

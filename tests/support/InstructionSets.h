@@ -11,8 +11,13 @@
 namespace z3d::test {
 
 inline std::string NameOf(render::InstructionSet set) {
-    static constexpr const char* kNames[] = {"Sse2", "Avx2", "Avx512"};
+    static constexpr const char* kNames[] = {"Sse2", "Avx2", "Avx512", "Avx512Gather"};
     return kNames[static_cast<int>(set)];
+}
+
+// Whether the set in use gathers voxels by single instructions.
+inline bool IsGathering() {
+    return platform::CurrentInstructionSet() == platform::InstructionSet::Avx512Gather;
 }
 
 // Those that the processor has.

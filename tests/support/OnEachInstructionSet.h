@@ -7,27 +7,15 @@
 // A set that the processor lacks is reported as skipped.
 #pragma once
 
-#include "platform/InstructionSet.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
+#include "support/InstructionSets.h"
 
 namespace z3d::test {
 
-class OnEachInstructionSet : public ::testing::TestWithParam<platform::InstructionSet> {
+class OnEachInstructionSet : public OnInstructionSet {
 public:
     static std::string Name(const ::testing::TestParamInfo<platform::InstructionSet>& info) {
-        constexpr const char* kNames[] = {"Sse2", "Avx2", "Avx512"};
-        return kNames[static_cast<int>(info.param)];
+        return NameOf(info.param);
     }
-
-protected:
-    void SetUp() override {
-        if (GetParam() > platform::BestInstructionSet()) GTEST_SKIP() << "not on this processor";
-        platform::ForceInstructionSet(GetParam());
-    }
-    void TearDown() override { platform::ForceInstructionSet(platform::BestInstructionSet()); }
 };
 
 #define Z3D_ON_EACH_INSTRUCTION_SET(suite)                                                                   \

@@ -21,8 +21,9 @@ void TakeStretch(const Projection& projection, bool backToFront, std::int32_t ma
     SampleStepper(projection, shape).NextStretch(behind, kSamples, indexes, false);
 }
 
-void LookUp(const BoundTable& table, const Positions& positions, std::uint8_t (&bounds)[kRays]) {
-    const Bytes found = BoundLookup(table).BoundsAt(positions);
+void LookUp(const Projection& projection, const BoundTable& table, const Positions& positions,
+            std::uint8_t (&bounds)[kRays]) {
+    const Bytes found = BoundLookup(table, projection.grid).BoundsAt(positions);
     __builtin_memcpy(bounds, &found, sizeof bounds);
 }
 
