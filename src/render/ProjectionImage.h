@@ -13,10 +13,11 @@ namespace z3d::render {
 class ProjectionImage {
 public:
     ProjectionImage(std::int32_t width, std::int32_t height) {
-        const std::uint64_t bytes =
-            static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height) * 12;
-        if (width < 1 || height < 1 || bytes > UINT32_MAX) return;
-        block_ = platform::BlockAllocate(static_cast<std::uint32_t>(bytes));
+        if (width < 1 || height < 1) return;
+        // Sizes go up to 2^31, so that a product of three factors could pass 2^64.
+        const std::uint64_t pixels = static_cast<std::uint64_t>(width) * static_cast<std::uint64_t>(height);
+        if (pixels > UINT32_MAX / kPixelBytes) return;
+        block_ = platform::BlockAllocate(static_cast<std::uint32_t>(pixels * kPixelBytes));
         if (block_ != nullptr) pixels_ = static_cast<float*>(platform::BlockLock(block_));
     }
     ~ProjectionImage() {
@@ -38,6 +39,8 @@ public:
     }
 
 private:
+    static constexpr std::uint64_t kPixelBytes = 3 * sizeof(float);
+
     platform::BlockHandle block_ = nullptr;
     float* pixels_ = nullptr;
 };

@@ -132,6 +132,14 @@ TEST(RotProjection, RefusesAnImageThatDoesNotFit32BitsButStoresItsSize) {
     ExpectRefused(volume.Get(), rotation, {19001, 19001});
 }
 
+// 720000365 * 2135038741 pixels of 12 bytes are 2^64 + 133964 bytes: as a 64-bit number they would seem to fit.
+TEST(RotProjection, RefusesAnImageWhoseBytesPass64Bits) {
+    const HostVolume volume(2, 2, 1, 1);
+    const float rotation[9] = {720000000, 364, 0, 2135038720, 20, 0, 0, 0, 1};
+    ExpectRefused(volume.Get(), rotation,
+                  {static_cast<std::uint16_t>(720000365), static_cast<std::uint16_t>(2135038741)});
+}
+
 TEST(RotProjection, ReportsTheLow16BitsOfAWideProjection) {
     // 100 * 999 + 1 = 99901 = 65536 + 34365 pixels.
     const HostVolume volume(1000, 1, 1, 1);

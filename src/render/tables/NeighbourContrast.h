@@ -10,7 +10,7 @@ namespace z3d::render {
 
 class NeighbourContrast {
 public:
-    NeighbourContrast(const Projection& projection, ValueInterval window)
+    Z3D_INLINE NeighbourContrast(const Projection& projection, ValueInterval window)
         : grid_(projection.grid), view_(projection.view), window_(window) {}
 
     // From the four neighbours one output column or row away from the voxel's indexes; 1 in volumes of fewer than

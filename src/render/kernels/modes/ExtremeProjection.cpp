@@ -11,6 +11,8 @@
 #include "render/kernels/modes/ModeWindow.h"
 #include "render/kernels/walks/Render.h"
 
+#include <type_traits>
+
 namespace z3d::render::Z3D_ISA {
 namespace {
 
@@ -19,25 +21,10 @@ constexpr std::int32_t kGreyMaximumSamplesPastEnd = 1;
 constexpr std::uint8_t kMaximum = 0;    // ranks are bytes
 constexpr std::uint8_t kMinimum = 0xFF; // ranks are complements
 
-template <class Format>
-Extreme<Format> MaximumOf(const Projection& projection, const RayShape& shape) {
-    return {shape,
-            {.initial = kLowestFloat, .measure = Measure::Largeness},
-            WindowOf<Format>(projection, WindowTest::Inclusive),
-            kMaximum};
-}
-
-template <class Format>
-Extreme<Format> MinimumOf(const Projection& projection) {
-    return {{},
-            {.initial = kHighestFloat, .measure = Measure::Smallness},
-            WindowOf<Format>(projection, WindowTest::Inclusive),
-            kMinimum};
-}
-
-// The same with a flip that the compiler knows: rows have no register to spare for one.
+// With a flip that the compiler knows, for rows: they have no register to spare for one.
 template <class Format, std::uint8_t kFlip>
 struct ExtremeRows : Extreme<Format> {
+    using Extreme<Format>::Extreme;
     using State = typename Extreme<Format>::State;
     Z3D_INLINE void Sample(const typename Format::Sample& voxels, const SamplePlace&, Bytes accepted,
                            State& state) const {
@@ -47,9 +34,27 @@ struct ExtremeRows : Extreme<Format> {
     }
 };
 
-template <std::uint8_t kFlip, class Format>
-Rule RuleWithRows(const Extreme<Format>& mode, const Projection& projection) {
-    Rule rule = RuleOf(mode, projection.grid);
+template <class Format>
+ExtremeRows<Format, kMaximum> MaximumOf(const Projection& projection, const RayShape& shape) {
+    return {shape,
+            {.initial = kLowestFloat, .measure = Measure::Largeness},
+            WindowOf<Format>(projection, WindowTest::Inclusive),
+            kMaximum};
+}
+
+template <class Format>
+ExtremeRows<Format, kMinimum> MinimumOf(const Projection& projection) {
+    return {{},
+            {.initial = kHighestFloat, .measure = Measure::Smallness},
+            WindowOf<Format>(projection, WindowTest::Inclusive),
+            kMinimum};
+}
+
+// Everything but the rows takes the mode as what it is derived from, once for both kinds of extremes.
+template <class Format, std::uint8_t kFlip>
+Rule RuleWithRows(const ExtremeRows<Format, kFlip>& mode, const Projection& projection) {
+    static_assert(std::is_standard_layout_v<ExtremeRows<Format, kFlip>>, "both have the same address");
+    Rule rule = RuleOf<Extreme<Format>>(mode, projection.grid);
     rule.reduceRows = ReduceRows<ExtremeRows<Format, kFlip>>;
     return rule;
 }
@@ -58,22 +63,22 @@ Rule RuleWithRows(const Extreme<Format>& mode, const Projection& projection) {
 
 void MaxProjectionGrey(const Projection& projection) {
     const auto mode = MaximumOf<Grey>(projection, {.samplesPastEnd = kGreyMaximumSamplesPastEnd});
-    RenderExtreme(projection, RuleWithRows<kMaximum>(mode, projection), mode);
+    RenderExtreme(projection, RuleWithRows(mode, projection), mode);
 }
 
 void MaxProjectionRgb(const Projection& projection) {
     const auto mode = MaximumOf<Rgb>(projection, {});
-    Render(projection, RuleWithRows<kMaximum>(mode, projection));
+    Render(projection, RuleWithRows(mode, projection));
 }
 
 void MinProjectionGrey(const Projection& projection) {
     const auto mode = MinimumOf<Grey>(projection);
-    RenderExtreme(projection, RuleWithRows<kMinimum>(mode, projection), mode);
+    RenderExtreme(projection, RuleWithRows(mode, projection), mode);
 }
 
 void MinProjectionRgb(const Projection& projection) {
     const auto mode = MinimumOf<Rgb>(projection);
-    Render(projection, RuleWithRows<kMinimum>(mode, projection));
+    Render(projection, RuleWithRows(mode, projection));
 }
 
 } // namespace z3d::render::Z3D_ISA
