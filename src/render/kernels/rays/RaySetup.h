@@ -17,32 +17,28 @@ public:
     explicit RaySetup(const ProjectionRenderer& view)
         : view_(view), reach_(static_cast<double>(view.outputHalfSize[2]) + 1) {}
 
-    // For output row j and the kDoubleLanes columns from column i on, writes the first depth index and the number of
-    // samples of each.
-    [[gnu::noinline]] void TrimColumns(std::int32_t j, std::int32_t i, std::int32_t* first,
-                                       std::int32_t* count) const {
+    // For output row j and the kDoubleLanes columns from column i on.
+    Z3D_INLINE void TrimColumns(std::int32_t j, std::int32_t i, std::int32_t* first,
+                                std::int32_t* count) const {
         Doubles column;
         for (int lane = 0; lane < kDoubleLanes; ++lane)
             column[lane] = lane;
         const double px = i - static_cast<double>(view_.outputHalfSize[0]);
-        TrimRays(column + px, j - static_cast<double>(view_.outputHalfSize[1]), first, count);
+        const double py = j - static_cast<double>(view_.outputHalfSize[1]);
+        Trim(column + px, AllDoubles(py), first, count);
     }
 
-private:
-    struct Ends {
-        Doubles entry[3]; // one voxel before the view box, in centred volume space: x, y, z
-        Doubles exit[3];  // one voxel behind it
-    };
-
-    Z3D_INLINE void TrimRays(Doubles px, double py, std::int32_t* first, std::int32_t* count) const {
+    // For kDoubleLanes pixels, writes the first depth index and the number of samples of each.
+    [[gnu::noinline]] void Trim(const Doubles& px, const Doubles& py, std::int32_t* first,
+                                std::int32_t* count) const {
         // Form both ends of the rays, axis by axis, and see which rays pass the crop box by.
         Ends ends;
         LongMask missed = {};
         for (int axis = 0; axis < 3; ++axis) {
             const float* row = view_.inverseRotation2 + 3 * axis;
             const double across = row[2];
-            const Doubles entry =
-                RoundToSingle(px * static_cast<double>(row[0]) + py * row[1] - reach_ * across);
+            const Doubles entry = RoundToSingle(px * static_cast<double>(row[0])
+                                                + py * static_cast<double>(row[1]) - reach_ * across);
             const Doubles exit = RoundToSingle(entry + 2 * reach_ * across);
             const double low = view_.CropLow(axis);
             const double high = view_.CropHigh(axis);
@@ -84,6 +80,12 @@ private:
             count[lane] = missed[lane] ? 0 : lastIndex[lane] - first[lane] + 1;
         }
     }
+
+private:
+    struct Ends {
+        Doubles entry[3]; // one voxel before the view box, in centred volume space: x, y, z
+        Doubles exit[3];  // one voxel behind it
+    };
 
     // Widens [start, end] by the view depth of the rays' hits on one face. Minimum and maximum commute with
     // the rounding to single precision, which is therefore left to the end.

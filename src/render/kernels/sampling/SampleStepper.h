@@ -34,12 +34,16 @@ struct SampledIndexes {
 // Turns positions into voxel indexes, and leaves the positions behind the last sample.
 class SampleStepper {
 public:
-    SampleStepper(const Projection& projection, const RayShape& shape) {
-        const VoxelGrid& grid = projection.grid;
+    SampleStepper(const Projection& projection, const RayShape& shape)
+        : SampleStepper(
+            projection.grid, shape,
+            {projection.view.Inverse(0, 2), projection.view.Inverse(1, 2), projection.view.Inverse(2, 2)}) {}
+
+    // For a grid and steps whose axes may be others than the volume's.
+    SampleStepper(const VoxelGrid& grid, const RayShape& shape, const float (&steps)[3]) {
         const SampledIndexes sampled(grid, shape.margin);
         for (int axis = 0; axis < 3; ++axis) {
-            const float step = projection.view.Inverse(axis, 2);
-            step_[axis] = AllFloats(shape.backToFront ? -step : step);
+            step_[axis] = AllFloats(shape.backToFront ? -steps[axis] : steps[axis]);
             first_[axis] = AllFloats(static_cast<float>(sampled.first[axis]));
             last_[axis] = AllFloats(static_cast<float>(sampled.last[axis]));
         }

@@ -39,6 +39,11 @@ Z3D_INLINE Floats LoadFloats(const float* from) {
     __builtin_memcpy(&value, from, sizeof value);
     return value;
 }
+Z3D_INLINE Doubles LoadDoubles(const double* from) {
+    Doubles value;
+    __builtin_memcpy(&value, from, sizeof value);
+    return value;
+}
 Z3D_INLINE Uints LoadUints(const std::uint32_t* from) {
     Uints value;
     __builtin_memcpy(&value, from, sizeof value);

@@ -1,15 +1,52 @@
 #include "render/kernels/walks/Render.h"
 
 #include "render/kernels/walks/BestFirstWalk.h"
+#include "render/kernels/walks/ColumnView.h"
+#include "render/kernels/walks/LineWalk.h"
+#include "render/kernels/walks/LoneRays.h"
 #include "render/kernels/walks/PacketWalk.h"
-#include "render/kernels/walks/RowWalk.h"
 
 namespace z3d::render::Z3D_ISA {
 namespace {
 
 // Each walk has a stack frame of its own: the compiler must not add them up.
-[[gnu::noinline]] void RenderRows(const Projection& projection, const Rule& rule) {
-    RowWalk(projection, rule).Render();
+void TrimRays(const ProjectionRenderer& view, const double* x, const double* y, int count,
+              std::int32_t* first, std::int32_t* samples) {
+    const RaySetup setup(view);
+    for (int ray = 0; ray < count; ray += kDoubleLanes)
+        setup.Trim(LoadDoubles(x + ray), LoadDoubles(y + ray), first + ray, samples + ray);
+}
+
+[[gnu::noinline]] bool RenderPaths(const Projection& projection, const Rule& rule, const ViewLines& lines) {
+    LineWalk walk(projection, rule, lines);
+    if (!walk.Prepare()) return false;
+    walk.Render();
+    return true;
+}
+
+// False, with nothing rendered, where the view has no lines, or memory is short.
+[[gnu::noinline]] bool RenderLines(const Projection& projection, const Rule& rule) {
+    if (rule.reduceRows == nullptr) return false;
+    ViewLines lines(projection, {.trim = TrimRays,
+                                 .backToFront = rule.shape.backToFront,
+                                 .samplesPastEnd = rule.shape.samplesPastEnd,
+                                 .sampleLimit = rule.shape.sampleLimit});
+    if (!lines.FindAxes()) return false;
+    // Rays that mostly end with their first samples leave nothing to gain by laying all voxels out anew.
+    if (lines.Axis() != 0 && rule.looks.first < kSamples) return false;
+    if (!lines.FindPaths()) return false;
+    if (!RenderPaths(projection, rule, lines)) return false;
+    RenderLoneRays(projection, rule, lines);
+    return true;
+}
+
+// False, with nothing rendered, where rays do not run along an axis of the volume, or memory is short.
+[[gnu::noinline]] bool RenderColumns(const Projection& projection, const Rule& rule) {
+    if (rule.reduceRows == nullptr) return false;
+    ColumnView view(projection);
+    if (!view.Prepare() || !RenderLines(view.Columns(), rule)) return false;
+    view.LookUp(rule);
+    return true;
 }
 
 [[gnu::noinline]] void RenderPackets(const Projection& projection, const Rule& rule) {
@@ -36,21 +73,17 @@ void FillImage(const Projection& projection, const Rule& rule) {
         FillWithInitial(projection, rule, row, border, projection.view.outputWidth - border);
 }
 
-bool CanReduceRows(const Projection& projection, const Rule& rule) {
-    return rule.reduceRows != nullptr && RowWalk::Fits(projection);
-}
-
 } // namespace
 
 void Render(const Projection& projection, const Rule& rule) {
     if (rule.isEmpty) return FillImage(projection, rule);
-    if (CanReduceRows(projection, rule)) return RenderRows(projection, rule);
+    if (RenderLines(projection, rule) || RenderColumns(projection, rule)) return;
     RenderPackets(projection, rule);
 }
 
 void RenderExtreme(const Projection& projection, const Rule& rule, const GreyExtreme& mode) {
     if (rule.isEmpty) return FillImage(projection, rule);
-    if (CanReduceRows(projection, rule)) return RenderRows(projection, rule);
+    if (RenderLines(projection, rule) || RenderColumns(projection, rule)) return;
     const std::int32_t rendered = RenderBestFirst(projection, rule, mode);
     if (rendered < projection.view.outputHeight) RenderPacketsWithoutTable(projection, rule, rendered);
 }

@@ -32,6 +32,19 @@ struct alignas(64) RayStates {
     alignas(64) std::byte own[kMostStateBytes];
 };
 
+constexpr std::int32_t kMostGroups = 16; // of sixteen voxels side by side, reduced in one go
+
+// The samples of groups of sixteen columns of rays: sample s of group g is the sixteen voxels that begin at
+// voxels[s] + offsets[g].
+struct VoxelRows {
+    const std::uint8_t* voxels[kSamples];
+    int samples;
+    std::int32_t offsets[kMostGroups]; // in bytes
+    std::int32_t groups;
+    std::size_t
+        channelBytes; // from channel to channel of sixteen colours; 0 where they lie voxel after voxel
+};
+
 // Mode and voxels are those that the rule was made of; they must outlive it.
 struct Rule {
     const void* mode;
@@ -44,16 +57,14 @@ struct Rule {
     TableSubject subject;
     std::int32_t voxelBytes; // of rows that can be reduced; else 0
     std::int32_t stateBytes;
-    std::int32_t groupsTogether; // in one call of reduceRows: their number is a multiple of this
+    std::int32_t groupsTogether; // the number of groups is a multiple of this
 
     // What up to 16 samples do to the rays that have as many `remaining`.
     void (*lookAt)(const Rule& rule, const Indexes& indexes, int samples, Bytes remaining, RayStates& states);
 
-    // What the samples of groups of sixteen columns do to their states. Sample s of group g is the sixteen voxels from
-    // voxels[s] + bases[g] * voxelBytes on. False when no further sample can change any of them. Null where the mode
+    // What samples do to the states of groups. False when no further sample can change any of them. Null where the mode
     // has to know where its voxels lie.
-    bool (*reduceRows)(const Rule& rule, const std::uint8_t* const* voxels, int samples,
-                       const std::int32_t* bases, std::int32_t groups, std::byte* states);
+    bool (*reduceRows)(const Rule& rule, const VoxelRows& rows, std::byte* states);
 
     // Writes the pixels of sixteen rays.
     void (*finish)(const Rule& rule, const std::byte* state, const PixelTarget& target);

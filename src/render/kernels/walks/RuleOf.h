@@ -82,65 +82,90 @@ void Finish(const Rule& rule, const std::byte* own, const PixelTarget& target) {
 
 constexpr std::size_t kSmallState = 128;
 
-// Groups whose states are in registers together.
+// Groups whose states are in registers together, at least; and at most, where there are as many and a sample costs
+// little beside finding it.
 template <Mode M>
-constexpr std::int32_t kGroupsTogether = sizeof(typename M::State) <= 32 ? 4 : 1;
+constexpr std::int32_t kGroupsTogether = sizeof(typename M::State) > 32 ? 1
+                                         : M::kEndsRays                 ? 4
+                                                                        : 2;
+template <Mode M, bool kIsFull>
+constexpr std::int32_t kMostTogether = kIsFull&& kGroupsTogether<M> == 2 ? 4 : kGroupsTogether<M>;
+
+// Sixteen colours are channel after channel where they were laid out for that.
+template <class Format>
+Z3D_INLINE typename Format::Sample LoadRow(const std::uint8_t* from,
+                                           [[maybe_unused]] std::size_t channelBytes) {
+    if constexpr (Format::kBytes == 3) {
+        if (channelBytes != 0) {
+            return {{LoadBytes(from), LoadBytes(from + channelBytes), LoadBytes(from + 2 * channelBytes)}};
+        }
+    }
+    return LoadVoxels<Format::kBytes>(from);
+}
+
+// False when all of their rays have ended.
+template <Mode M, bool kIsFull, int kTogether>
+Z3D_INLINE bool ReduceGroups(const M& mode, const VoxelRows& rows, std::int32_t group,
+                             typename M::State* kept) {
+    // Load the states, unless all of their rays have ended.
+    const Bytes highest[3] = {AllBytes(255), AllBytes(255), AllBytes(255)};
+    typename M::State state[kTogether];
+    std::ptrdiff_t offset[kTogether];
+    Bytes settled = AllBytes(255);
+#pragma GCC unroll 4
+    for (int part = 0; part < kTogether; ++part) {
+        state[part] = kept[part];
+        offset[part] = rows.offsets[group + part];
+        if constexpr (M::kEndsRays) settled &= mode.Settled(state[part], highest);
+    }
+    if (M::kEndsRays && !AnySet(~settled)) return false;
+
+    // Reduce the samples.
+    for (int sample = 0; sample < rows.samples; ++sample) {
+#pragma GCC unroll 4
+        for (int part = 0; part < kTogether; ++part) {
+            const auto sixteen =
+                LoadRow<typename M::Format>(rows.voxels[sample] + offset[part], rows.channelBytes);
+            const Bytes accepted = kIsFull ? AllBytes(255) : mode.window.Accepts(sixteen);
+            mode.Sample(sixteen, {nullptr, 0}, accepted, state[part]);
+        }
+    }
+
+    // Keep the states.
+#pragma GCC unroll 4
+    for (int part = 0; part < kTogether; ++part) {
+        mode.EndStretch(state[part]);
+        kept[part] = state[part];
+    }
+    return true;
+}
 
 template <Mode M, bool kIsFull>
-Z3D_INLINE bool ReduceGroups(const Rule& rule, const std::uint8_t* const* voxels, int samples,
-                             const std::int32_t* bases, std::int32_t groups, std::byte* own) {
-    using Format = typename M::Format;
-    constexpr std::int32_t kTogether = kGroupsTogether<M>;
-    const Bytes highest[3] = {AllBytes(255), AllBytes(255), AllBytes(255)};
+Z3D_INLINE bool ReduceAllGroups(const Rule& rule, const VoxelRows& rows, std::byte* own) {
     const M& mode = *static_cast<const M*>(rule.mode);
-    bool isLive = !M::kEndsRays;
-    for (std::int32_t group = 0; group < groups; group += kTogether) {
-        // Load the states, unless all of their rays have ended.
-        auto* kept = reinterpret_cast<typename M::State*>(own) + group;
-        typename M::State state[kTogether];
-        std::ptrdiff_t base[kTogether];
-        Bytes settled = AllBytes(255);
-#pragma GCC unroll 4
-        for (int part = 0; part < kTogether; ++part) {
-            state[part] = kept[part];
-            base[part] = static_cast<std::ptrdiff_t>(bases[group + part]) * Format::kBytes;
-            if constexpr (M::kEndsRays) settled &= mode.Settled(state[part], highest);
-        }
-        if constexpr (M::kEndsRays) {
-            if (!AnySet(~settled)) continue;
-            isLive = true;
-        }
-
-        // Reduce the samples.
-        for (int sample = 0; sample < samples; ++sample) {
-#pragma GCC unroll 4
-            for (int part = 0; part < kTogether; ++part) {
-                const auto sixteen = LoadVoxels<Format::kBytes>(voxels[sample] + base[part]);
-                const Bytes accepted = kIsFull ? AllBytes(255) : mode.window.Accepts(sixteen);
-                mode.Sample(sixteen, {nullptr, 0}, accepted, state[part]);
-            }
-        }
-
-        // Keep the states.
-#pragma GCC unroll 4
-        for (int part = 0; part < kTogether; ++part) {
-            mode.EndStretch(state[part]);
-            kept[part] = state[part];
-        }
+    auto* states = reinterpret_cast<typename M::State*>(own);
+    constexpr std::int32_t kTogether = kGroupsTogether<M>;
+    constexpr std::int32_t kMost = kMostTogether<M, kIsFull>;
+    bool isLive = false;
+    std::int32_t group = 0;
+    for (; group + kMost <= rows.groups; group += kMost)
+        isLive |= ReduceGroups<M, kIsFull, kMost>(mode, rows, group, states + group);
+    if constexpr (kTogether < kMost) {
+        if (group < rows.groups)
+            isLive |= ReduceGroups<M, kIsFull, kTogether>(mode, rows, group, states + group);
     }
     return isLive;
 }
 
 template <Mode M>
-bool ReduceRows(const Rule& rule, const std::uint8_t* const* voxels, int samples, const std::int32_t* bases,
-                std::int32_t groups, std::byte* own) {
+bool ReduceRows(const Rule& rule, const VoxelRows& rows, std::byte* own) {
     static_assert(M::kReducesRows && M::kCounts == Counts::EverySample);
     // Worth its size where a sample costs little beside the window test.
     if constexpr (sizeof(typename M::State) <= kSmallState) {
         if (static_cast<const M*>(rule.mode)->window.IsFull())
-            return ReduceGroups<M, true>(rule, voxels, samples, bases, groups, own);
+            return ReduceAllGroups<M, true>(rule, rows, own);
     }
-    return ReduceGroups<M, false>(rule, voxels, samples, bases, groups, own);
+    return ReduceAllGroups<M, false>(rule, rows, own);
 }
 
 template <Mode M>

@@ -1,0 +1,199 @@
+#include "render/kernels/walks/LineWalk.h"
+
+namespace z3d::render::Z3D_ISA {
+namespace {
+
+constexpr int kAxisX = 0;
+
+std::int32_t SizeOf(const VoxelGrid& grid, int axis) {
+    return axis == 0 ? grid.width : axis == 1 ? grid.height : grid.depth;
+}
+
+// The grid that lines lead through: on the first axis what lies side by side, then the two others.
+VoxelGrid GridOf(const VoxelGrid& grid, const ViewLines& lines) {
+    return {nullptr, lines.Axis() == kAxisX ? grid.width : VoxelSlab::kLanes, SizeOf(grid, lines.Across(0)),
+            SizeOf(grid, lines.Across(1))};
+}
+
+SampleStepper StepperOf(const Projection& projection, const Rule& rule, const ViewLines& lines) {
+    const float steps[3] = {0, projection.view.Inverse(lines.Across(0), 2),
+                            projection.view.Inverse(lines.Across(1), 2)};
+    return {GridOf(projection.grid, lines), rule.shape, steps};
+}
+
+} // namespace
+
+LineWalk::LineWalk(const Projection& projection, const Rule& rule, const ViewLines& lines)
+    : projection_(projection),
+      rule_(rule),
+      lines_(lines),
+      isDirect_(lines.Axis() == kAxisX),
+      // Sixteen lines of states have to fit.
+      mostGroups_(static_cast<std::size_t>(rule.stateBytes) * kRays * kMostGroups <= kStateBytes
+                      ? kMostGroups
+                      : kMostGroups / 2),
+      slab_(projection.grid, lines.Axis(), rule.voxelBytes, ExtentOf(projection, rule, lines)),
+      stepper_(StepperOf(projection, rule, lines)) {
+    const std::int32_t first = lines.VoxelAt(lines.First());
+    const std::int32_t last = lines.VoxelAt(lines.Last());
+    firstVoxel_ = first < last ? first : last;
+    lastVoxel_ = first < last ? last : first;
+}
+
+// What lines can sample on the two other axes. A position strays from where it would be without rounding by less than
+// half the distance of floats at each step; where that adds up to more than half a voxel, all of the axis counts.
+VoxelSlab::Extent LineWalk::ExtentOf(const Projection& projection, const Rule& rule, const ViewLines& lines) {
+    VoxelSlab::Extent extent;
+    for (int number = 0; number < 2; ++number) {
+        const int axis = lines.Across(number);
+        const std::int32_t last = SizeOf(projection.grid, axis) - 1;
+        const double step = projection.view.Inverse(axis, 2) * (rule.shape.backToFront ? -1.0 : 1.0);
+        double low = last;
+        double high = 0;
+        for (std::int32_t line = lines.FirstLine(); line <= lines.LastLine(); ++line) {
+            const double samples = lines.Line(line).samples;
+            if (samples == 0) continue;
+            const double start = lines.Line(line).start[number];
+            const double end = start + step * samples;
+            const double stray = 1 + samples * 0x1p-24 * (__builtin_fabs(start) + __builtin_fabs(end) + 1);
+            low = __builtin_fmin(low, __builtin_fmin(start, end) - stray);
+            high = __builtin_fmax(high, __builtin_fmax(start, end) + stray);
+        }
+        extent.first[number] = low > 0 ? static_cast<std::int32_t>(low) : 0;
+        extent.last[number] = high < last ? static_cast<std::int32_t>(high) + 1 : last;
+        if (extent.first[number] > extent.last[number]) extent.first[number] = extent.last[number];
+    }
+    return extent;
+}
+
+void LineWalk::Render() {
+    FillAround();
+    if (lines_.FirstLine() > lines_.LastLine()) return;
+    const std::int32_t together = isDirect_ ? mostGroups_ * kRays : VoxelSlab::kLanes;
+    for (std::int32_t first = firstVoxel_; first <= lastVoxel_; first += together) {
+        const std::int32_t rest = lastVoxel_ - first;
+        RenderBlock(first, rest < together ? lastVoxel_ : first + together - 1);
+    }
+}
+
+// Pixels outside the rectangle of lines with samples, and of places that are rendered.
+void LineWalk::FillAround() {
+    const std::int32_t width = projection_.view.outputWidth;
+    const bool isEmpty = lines_.FirstLine() > lines_.LastLine();
+    const LinePixel first = {lines_.FirstLine(), lines_.First()};
+    const LinePixel last = {lines_.LastLine(), lines_.Last()};
+    for (std::int32_t row = 0; row < projection_.view.outputHeight; ++row) {
+        const bool isAround = isEmpty || row < lines_.Row(first) || row > lines_.Row(last);
+        FillWithInitial(projection_, rule_, row, 0, isAround ? width : lines_.Column(first));
+        if (!isAround) FillWithInitial(projection_, rule_, row, lines_.Column(last) + 1, width);
+    }
+}
+
+void LineWalk::RenderBlock(std::int32_t first, std::int32_t last) {
+    ChooseGroups(first, last);
+    if (!isDirect_) slab_.Fill(first, last);
+    for (std::int32_t line = lines_.FirstLine(); line <= lines_.LastLine(); line += kRays) {
+        StartLines(line);
+        ReduceLines();
+        FinishLines(line);
+    }
+}
+
+// The voxels of each group. The last ones of a row overlap those before them rather than reading beyond the row.
+void LineWalk::ChooseGroups(std::int32_t first, std::int32_t last) {
+    const std::int32_t width = projection_.grid.width;
+    const std::int32_t needed = (last - first + kRays) / kRays;
+    const std::int32_t together = rule_.groupsTogether;
+    blockFirst_ = first;
+    blockLast_ = last;
+    rows_.groups = (needed + together - 1) / together * together;
+    rows_.channelBytes = isDirect_ || rule_.voxelBytes == 1 ? 0 : VoxelSlab::kLanes;
+    for (std::int32_t group = 0; group < rows_.groups; ++group) {
+        base_[group] = first + group * kRays;
+        rows_.offsets[group] = group * kRays;
+        if (!isDirect_) continue;
+        if (base_[group] + kRays > width) base_[group] = width < kRays ? 0 : width - kRays;
+        rows_.offsets[group] = base_[group] * rule_.voxelBytes;
+    }
+}
+
+void LineWalk::StartLines(std::int32_t line) {
+    starts_ = {};
+    longest_ = 0;
+    for (int row = 0; row < kRays; ++row) {
+        samples_[row] = 0;
+        if (line + row > lines_.LastLine()) continue;
+        const ViewLine& from = lines_.Line(line + row);
+        samples_[row] = from.samples;
+        starts_.axis[1][row] = from.start[0];
+        starts_.axis[2][row] = from.start[1];
+        if (samples_[row] > longest_) longest_ = samples_[row];
+    }
+}
+
+void LineWalk::ReduceLines() {
+    __builtin_memset(states_, 0, static_cast<std::size_t>(kRays * rows_.groups * rule_.stateBytes));
+    Positions positions = starts_;
+    bool isLive = true;
+    for (std::int32_t done = 0; done < longest_ && isLive; done += kSamples) {
+        stepper_.NextStretch(positions, kSamples, indexes_, false);
+        isLive = false;
+        for (int row = 0; row < kRays; ++row) {
+            const std::int32_t remaining = samples_[row] - done;
+            if (remaining <= 0) continue;
+            rows_.samples = remaining < kSamples ? remaining : kSamples;
+            FindVoxels(row, rows_.samples);
+            isLive |= rule_.reduceRows(rule_, rows_, StatesOf(row));
+        }
+    }
+}
+
+// The line of voxels of each sample. Short rows are copied to where sixteen voxels can be read.
+void LineWalk::FindVoxels(int row, int samples) {
+    const auto bytes = static_cast<std::size_t>(rule_.voxelBytes);
+    for (int sample = 0; sample < samples; ++sample) {
+        const std::uint32_t layer = indexes_.z[sample][row];
+        const std::uint8_t* voxels = isDirect_ ? projection_.grid.slices[layer] : slab_.Lanes(layer);
+        rows_.voxels[sample] = voxels + bytes * indexes_.plane[sample][row];
+    }
+    const auto width = static_cast<std::size_t>(projection_.grid.width);
+    if (!isDirect_ || width >= kRays) return;
+    for (int sample = 0; sample < samples; ++sample) {
+        __builtin_memcpy(shortRows_[sample], rows_.voxels[sample], bytes * width);
+        rows_.voxels[sample] = shortRows_[sample];
+    }
+}
+
+void LineWalk::FinishLines(std::int32_t line) {
+    const std::int32_t left = lines_.LastLine() - line + 1;
+    const int count = left < kRays ? left : kRays;
+    for (std::int32_t group = 0; group < rows_.groups; ++group) {
+        for (int row = 0; row < count; ++row)
+            FinishGroup(line + row, group, StatesOf(row) + group * rule_.stateBytes);
+    }
+}
+
+void LineWalk::FinishGroup(std::int32_t line, std::int32_t group, const std::byte* state) {
+    // Those of the sixteen voxels that belong to the block.
+    const std::int32_t base = base_[group];
+    const std::int32_t first = base < blockFirst_ ? blockFirst_ : base;
+    const std::int32_t last = base + kRays - 1 > blockLast_ ? blockLast_ : base + kRays - 1;
+    const bool isStraight = lines_.Along() == 0 && !lines_.IsReversed();
+    if (isStraight && last - first == kRays - 1) {
+        rule_.finish(rule_, state, {projection_.PixelAt(line, lines_.PlaceOf(base)), kQuadsInARow});
+        return;
+    }
+    if (first > last) return;
+    float pixels[3 * kRays];
+    rule_.finish(rule_, state, {pixels, kQuadsInARow});
+    const float* from = pixels + 3 * (first - base);
+    const LinePixel place = {line, lines_.PlaceOf(first)};
+    float* to = projection_.PixelAt(lines_.Row(place), lines_.Column(place));
+    const std::ptrdiff_t pixel =
+        lines_.Along() == 0 ? 3 : 3 * static_cast<std::ptrdiff_t>(projection_.view.outputWidth);
+    const std::ptrdiff_t next = lines_.IsReversed() ? -pixel : pixel;
+    for (std::int32_t voxel = first; voxel <= last; ++voxel, from += 3, to += next)
+        __builtin_memcpy(to, from, 3 * sizeof(float));
+}
+
+} // namespace z3d::render::Z3D_ISA
