@@ -94,11 +94,11 @@ private:
 #pragma GCC unroll 3
         for (int c = 0; c < kChannels; ++c) {
             const RayDoubles values = ToDoubles(voxels.channel[c]);
-            auto& behind = state.blend[c].part;
+            RayBlends& behind = state.blend[c];
 #pragma GCC unroll 8
             for (int part = 0; part < RayDoubles::kParts; ++part) {
-                behind[part] = RoundToSingle((1.0 - weights.part[part]) * behind[part]
-                                             + weights.part[part] * values.part[part]);
+                behind.part[part] = RoundToSingle((1.0 - weights.part[part]) * behind.part[part]
+                                                  + weights.part[part] * values.part[part]);
             }
         }
     }

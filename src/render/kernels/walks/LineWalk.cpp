@@ -132,7 +132,9 @@ void LineWalk::StartLines(std::int32_t line) {
 }
 
 void LineWalk::ReduceLines() {
-    __builtin_memset(states_, 0, static_cast<std::size_t>(kRays * rows_.groups * rule_.stateBytes));
+    __builtin_memset(states_, 0,
+                     std::size_t{kRays} * static_cast<std::size_t>(rows_.groups)
+                         * static_cast<std::size_t>(rule_.stateBytes));
     Positions positions = starts_;
     bool isLive = true;
     for (std::int32_t done = 0; done < longest_ && isLive; done += kSamples) {

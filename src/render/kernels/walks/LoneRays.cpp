@@ -58,7 +58,7 @@ private:
     const Rule& rule_;
     const ViewLines& lines_;
     const SampleStepper stepper_;
-    Packet packet_;
+    Packet packet_ = {};
     Positions positions_;
     Indexes indexes_;
     RayStates states_;

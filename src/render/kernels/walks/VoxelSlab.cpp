@@ -108,7 +108,8 @@ VoxelSlab::VoxelSlab(const VoxelGrid& grid, int axis, std::int32_t voxelBytes, c
       layerBytes_(static_cast<std::size_t>(layerBytesNeeded_)) {}
 
 bool VoxelSlab::Allocate() {
-    const std::uint64_t layers = static_cast<std::uint64_t>(extent_.last[1] - extent_.first[1] + 1);
+    const std::int32_t count = extent_.last[1] - extent_.first[1] + 1;
+    const auto layers = static_cast<std::uint64_t>(count);
     // More would not stay in any cache.
     if (layerBytesNeeded_ > kMostBytes || layers * layerBytesNeeded_ > kMostBytes) return false;
     memory_ = platform::HeapArray<std::uint8_t>(static_cast<std::size_t>(layers * layerBytesNeeded_));
@@ -122,7 +123,8 @@ void VoxelSlab::Fill(std::int32_t first, std::int32_t last) {
 
 void VoxelSlab::FillLayer(std::int32_t first, std::int32_t last, std::int32_t other) {
     // Find the rows of the lanes; the last one stands for those that are left over.
-    const auto rowBytes = static_cast<std::size_t>(grid_.width * voxelBytes_);
+    const std::size_t rowBytes =
+        static_cast<std::size_t>(grid_.width) * static_cast<std::size_t>(voxelBytes_);
     const std::uint8_t* rows[kLanes];
     for (std::int32_t lane = 0; lane < kLanes; ++lane) {
         const std::int32_t voxel = first + lane < last ? first + lane : last;
@@ -135,8 +137,9 @@ void VoxelSlab::FillLayer(std::int32_t first, std::int32_t last, std::int32_t ot
 
     // Transpose them, byte by byte. The last bytes overlap those before them rather than being read beyond the row.
     const std::int32_t used = last - first + 1;
-    const auto end = static_cast<std::size_t>((extent_.last[0] + 1) * voxelBytes_);
-    for (auto column = static_cast<std::size_t>(extent_.first[0] * voxelBytes_); column < end;
+    const auto bytes = static_cast<std::size_t>(voxelBytes_);
+    const std::size_t end = (static_cast<std::size_t>(extent_.last[0]) + 1) * bytes;
+    for (std::size_t column = static_cast<std::size_t>(extent_.first[0]) * bytes; column < end;
          column += kColumns) {
         const std::size_t from = column + kColumns <= rowBytes ? column : rowBytes - kColumns;
         for (std::int32_t lane = 0; lane < used; lane += kRows)
