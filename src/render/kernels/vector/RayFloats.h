@@ -24,10 +24,6 @@ struct PixelTarget {
 };
 constexpr std::ptrdiff_t kQuadsInARow = 12; // sixteen neighbours
 
-Z3D_INLINE RayFloats AllRayFloats(float value) {
-    const __m128 quad = _mm_set1_ps(value);
-    return {{quad, quad, quad, quad}};
-}
 Z3D_INLINE RayFloats LoadRayFloats(const float* from) {
     RayFloats floats;
     __builtin_memcpy(&floats, from, sizeof floats);
