@@ -10,7 +10,7 @@
 namespace z3d::compose {
 namespace {
 
-using volume::ValueRange;
+using primitives::ValueRange;
 
 // The smallest of each among the channels that are there.
 struct CommonVolumeSize {

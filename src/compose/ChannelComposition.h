@@ -3,7 +3,7 @@
 
 #include "frame/Host.h"
 #include "frame/Owned.h"
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 namespace z3d::compose {
 
@@ -31,12 +31,12 @@ struct ChannelImages {
 //
 // Null when the host cancels, when memory is short, or when the channels hold neither bytes nor floats. Reports
 // progress before each slice, and no start.
-frame::OwnedVolume ComposeVolumes(const ChannelVolumes& channels, const volume::ValueRange& range,
-                                  volume::ValueRange& display, const frame::Host& host);
+frame::OwnedVolume ComposeVolumes(const ChannelVolumes& channels, const primitives::ValueRange& range,
+                                  primitives::ValueRange& display, const frame::Host& host);
 
 // One slice: a new unlocked image of 3 bytes per pixel and of the smallest size of the channels, whose pixels
 // are read as rows of that width. Widens `display`. The channels are left unlocked.
-frame::OwnedImage ComposeSlice(const ChannelImages& channels, const volume::ValueRange& range,
-                               volume::ValueRange& display);
+frame::OwnedImage ComposeSlice(const ChannelImages& channels, const primitives::ValueRange& range,
+                               primitives::ValueRange& display);
 
 } // namespace z3d::compose

@@ -15,7 +15,7 @@
 namespace z3d::compose {
 namespace {
 
-using volume::ValueRange;
+using primitives::ValueRange;
 
 // Every step looks at one sample or one pixel alone, so a slice is taken in runs of pixels that stay in the
 // first-level cache from one step to the next. A run is an image of one row.

@@ -1,7 +1,7 @@
 // From three planes of samples to RGB pixels, and how bright these are.
 #pragma once
 
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -23,8 +23,8 @@ struct Planes {
 // Without a range (max not above min) every byte is 0.
 // False when scratch memory is short; the pixels are then of no use.
 [[nodiscard]] bool ComposeBytes(const Planes<std::uint8_t>& planes, std::uint8_t* pixels, std::size_t count,
-                                const volume::ValueRange& range, volume::ValueRange& display);
+                                const primitives::ValueRange& range, primitives::ValueRange& display);
 [[nodiscard]] bool ComposeFloats(const Planes<float>& planes, std::uint8_t* pixels, std::size_t count,
-                                 const volume::ValueRange& range, volume::ValueRange& display);
+                                 const primitives::ValueRange& range, primitives::ValueRange& display);
 
 } // namespace z3d::compose

@@ -14,7 +14,7 @@
 namespace z3d::compose {
 namespace {
 
-using volume::ValueRange;
+using primitives::ValueRange;
 
 // The low 8 bits of the integer part. From 2^31 on floats are multiples of 256.
 std::uint8_t TruncatedByte(float value) {

@@ -3,7 +3,7 @@
 
 #include "frame/Host.h"
 #include "frame/Owned.h"
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 namespace z3d::compose {
 
@@ -17,7 +17,7 @@ namespace z3d::compose {
 //
 // Null when the host cancels or when memory is short. Reports progress before each slice, and no start. Without
 // a source, or when no result can be begun, it reports that the conversion cannot run.
-frame::OwnedVolume ConvertToGrey(Volume3D* source, const volume::ValueRange& range,
-                                 volume::ValueRange& display, const frame::Host& host);
+frame::OwnedVolume ConvertToGrey(Volume3D* source, const primitives::ValueRange& range,
+                                 primitives::ValueRange& display, const frame::Host& host);
 
 } // namespace z3d::compose

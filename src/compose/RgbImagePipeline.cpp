@@ -13,7 +13,7 @@ namespace z3d::compose {
 namespace {
 
 using frame::OwnedVolume;
-using volume::ValueRange;
+using primitives::ValueRange;
 using volume::VolumeSize;
 
 bool IsNamed(const char* file) { return file != nullptr && file[0] != '\0'; }

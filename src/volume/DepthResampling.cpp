@@ -1,7 +1,8 @@
 #include "volume/DepthResampling.h"
 
 #include "frame/LockedImage.h"
-#include "volume/DepthBlend.h"
+#include "primitives/DepthBlend.h"
+#include "volume/SliceRange.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,6 +10,9 @@
 
 namespace z3d::volume {
 namespace {
+
+using primitives::DepthBlend;
+using primitives::ValueRange;
 
 bool HasAlikeSlices(const Volume3D& volume) {
     for (std::size_t z = 0; z < volume.depth; ++z) {

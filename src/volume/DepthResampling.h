@@ -3,7 +3,7 @@
 
 #include "frame/Host.h"
 #include "frame/Owned.h"
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 #include <cstdint>
 
@@ -20,7 +20,8 @@ namespace z3d::volume {
 //
 // Null, without a warning, when the host cancels, when memory is short, or when the source is not as stated.
 // Reports a start, and progress after each slice.
-frame::OwnedVolume ResampleDepth(Volume3D& source, std::int32_t newDepth, const ValueRange& bounds,
-                                 ValueRange& range, const frame::Host& host);
+frame::OwnedVolume ResampleDepth(Volume3D& source, std::int32_t newDepth,
+                                 const primitives::ValueRange& bounds, primitives::ValueRange& range,
+                                 const frame::Host& host);
 
 } // namespace z3d::volume

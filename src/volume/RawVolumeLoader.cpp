@@ -4,6 +4,7 @@
 #include "frame/Warning.h"
 #include "platform/File.h"
 #include "volume/DepthResampling.h"
+#include "volume/SliceRange.h"
 #include "volume/SliceResampling.h"
 
 #include <cstddef>
@@ -17,6 +18,7 @@ namespace {
 using frame::Answer;
 using frame::OwnedImage;
 using frame::OwnedVolume;
+using primitives::ValueRange;
 
 bool IsLength(std::int32_t length) { return length >= 1 && length <= UINT16_MAX; }
 

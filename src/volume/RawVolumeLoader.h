@@ -3,7 +3,7 @@
 
 #include "frame/Host.h"
 #include "frame/Owned.h"
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 #include <cstdint>
 
@@ -34,7 +34,8 @@ struct RawVolumeFile {
 //
 // Reports a start once the file is open, and progress after each slice of the file; then, if the depth differs,
 // a start and progress after each slice of the result.
-frame::OwnedVolume LoadRawVolume(const RawVolumeFile& file, const VolumeSize& size, ValueRange& running,
-                                 ValueRange& volumeRange, const frame::Host& host);
+frame::OwnedVolume LoadRawVolume(const RawVolumeFile& file, const VolumeSize& size,
+                                 primitives::ValueRange& running, primitives::ValueRange& volumeRange,
+                                 const frame::Host& host);
 
 } // namespace z3d::volume

@@ -15,7 +15,7 @@ using namespace z3d::test;
 using compose::ChannelVolumes;
 using frame::OwnedVolume;
 using platform::Resource;
-using volume::ValueRange;
+using primitives::ValueRange;
 
 constexpr ValueRange kFullRange = {255, 0};
 

@@ -19,7 +19,7 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::test;
-using volume::ValueRange;
+using primitives::ValueRange;
 
 using Bytes = std::vector<std::uint8_t>;
 using Floats = std::vector<float>;

@@ -17,7 +17,7 @@ using namespace z3d;
 using namespace z3d::test;
 using frame::OwnedVolume;
 using platform::Resource;
-using volume::ValueRange;
+using primitives::ValueRange;
 
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();

@@ -17,10 +17,10 @@ using namespace z3d::test;
 using frame::OwnedVolume;
 using platform::Resource;
 
-constexpr volume::ValueRange kAnyBounds = {FLT_MAX, -FLT_MAX};
-volume::ValueRange range; // of the last result
+constexpr primitives::ValueRange kAnyBounds = {FLT_MAX, -FLT_MAX};
+primitives::ValueRange range; // of the last result
 
-OwnedVolume Resampled(const reference::Volume& stack, int newDepth, const volume::ValueRange& bounds) {
+OwnedVolume Resampled(const reference::Volume& stack, int newDepth, const primitives::ValueRange& bounds) {
     const OwnedVolume source = ToVolume(stack);
     RecordingHost host;
     return volume::ResampleDepth(*source, newDepth, bounds, range, host.Get());

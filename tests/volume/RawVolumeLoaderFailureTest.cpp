@@ -17,7 +17,7 @@ using namespace z3d;
 using namespace z3d::test;
 using frame::OwnedVolume;
 using platform::Resource;
-using volume::ValueRange;
+using primitives::ValueRange;
 using volume::VolumeSize;
 
 const std::vector<std::uint8_t> kSamples = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};

@@ -16,7 +16,7 @@ namespace {
 using namespace z3d;
 using namespace z3d::test;
 using frame::OwnedVolume;
-using volume::ValueRange;
+using primitives::ValueRange;
 using volume::VolumeSize;
 
 struct LoadResult {

@@ -1,13 +1,11 @@
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 #include "primitives/KernelTable.h"
 
 #include <algorithm>
 
-namespace z3d::volume {
+namespace z3d::primitives {
 namespace {
-
-using primitives::CurrentKernels;
 
 constexpr std::size_t kBytesPerChunk = 16384;
 constexpr std::size_t kFloatsPerChunk = 4096;
@@ -25,7 +23,7 @@ float FirstZero(const float* samples) {
 void WidenByBytes(ValueRange& range, const std::uint8_t* samples, std::size_t count) {
     for (std::size_t first = 0; first < count; first += kBytesPerChunk) {
         if (range.min <= 0.0f && range.max >= 255.0f) return; // no byte can widen it
-        const primitives::ByteExtremes extremes =
+        const ByteExtremes extremes =
             CurrentKernels().extremesOfBytes(samples + first, std::min(kBytesPerChunk, count - first));
         range.Widen({static_cast<float>(extremes.max), static_cast<float>(extremes.min)});
     }
@@ -35,7 +33,7 @@ void WidenByFloats(ValueRange& range, const float* samples, std::size_t count) {
     for (std::size_t first = 0; first < count; first += kFloatsPerChunk) {
         const ValueRange before = range;
         const float* chunk = samples + first;
-        const primitives::FloatExtremes extremes = CurrentKernels().widenByFloats(
+        const FloatExtremes extremes = CurrentKernels().widenByFloats(
             {range.max, range.min}, chunk, std::min(kFloatsPerChunk, count - first));
         range = {extremes.max, extremes.min};
         if (range.max == 0.0f && before.max != 0.0f) range.max = FirstZero(chunk);
@@ -43,19 +41,4 @@ void WidenByFloats(ValueRange& range, const float* samples, std::size_t count) {
     }
 }
 
-void WidenByPixels(ValueRange& range, const frame::LockedImage& image) {
-    if (image.BytesPerPixel() == 4) {
-        WidenByFloats(range, image.Floats(), image.PixelCount());
-    } else {
-        WidenByBytes(range, image.Bytes(), image.ByteCount());
-    }
-}
-
-bool WidenBySlice(ValueRange& range, Image2D* slice) {
-    const frame::LockedImage locked(slice);
-    if (!locked) return false;
-    WidenByPixels(range, locked);
-    return true;
-}
-
-} // namespace z3d::volume
+} // namespace z3d::primitives

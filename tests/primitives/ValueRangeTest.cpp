@@ -1,4 +1,4 @@
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 #include "reference/PlainPipeline.h"
 #include "support/GuardedBytes.h"
@@ -17,7 +17,7 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::test;
-using volume::ValueRange;
+using primitives::ValueRange;
 
 class ValueRangeTest : public OnEachInstructionSet {};
 Z3D_ON_EACH_INSTRUCTION_SET(ValueRangeTest);
@@ -28,12 +28,12 @@ constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 std::uint32_t Bits(float value) { return std::bit_cast<std::uint32_t>(value); }
 
 ValueRange RangeOf(const std::vector<float>& samples, ValueRange range = {}) {
-    volume::WidenByFloats(range, samples.data(), samples.size());
+    primitives::WidenByFloats(range, samples.data(), samples.size());
     return range;
 }
 
 ValueRange RangeOf(const std::vector<std::uint8_t>& samples, ValueRange range = {}) {
-    volume::WidenByBytes(range, samples.data(), samples.size());
+    primitives::WidenByBytes(range, samples.data(), samples.size());
     return range;
 }
 
@@ -156,10 +156,10 @@ TEST_P(ValueRangeTest, ReadsNothingBesideTheSamples) {
             bytes.As<std::uint8_t>()[count - 1] = 3;
 
             ValueRange range;
-            volume::WidenByFloats(range, floats.As<float>(), count);
+            primitives::WidenByFloats(range, floats.As<float>(), count);
             ExpectBits(range, count == 1 ? -3.0f : 0.0f, -3);
             range = {};
-            volume::WidenByBytes(range, bytes.As<std::uint8_t>(), count);
+            primitives::WidenByBytes(range, bytes.As<std::uint8_t>(), count);
             ExpectBits(range, 3, count == 1 ? 3.0f : 0.0f);
         }
     }

@@ -1,14 +1,11 @@
-#include "volume/DepthBlend.h"
+#include "primitives/DepthBlend.h"
 
 #include "primitives/KernelTable.h"
 
 #include <emmintrin.h>
 
-namespace z3d::volume {
+namespace z3d::primitives {
 namespace {
-
-using primitives::ByteDepthWeights;
-using primitives::CurrentKernels;
 
 // The whole form counts differences in units of 2^-22.
 constexpr std::int32_t kUnit = 1 << 22;
@@ -78,4 +75,4 @@ void DepthBlend::Bytes(const std::uint8_t* a, const std::uint8_t* b, std::uint8_
     CurrentKernels().blendBytes(PlanBytes(*this), a, b, result, count);
 }
 
-} // namespace z3d::volume
+} // namespace z3d::primitives

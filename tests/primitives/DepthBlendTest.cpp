@@ -1,4 +1,4 @@
-#include "volume/DepthBlend.h"
+#include "primitives/DepthBlend.h"
 
 #include "support/GuardedBytes.h"
 #include "support/OnEachInstructionSet.h"
@@ -19,13 +19,13 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::test;
-using volume::DepthBlend;
+using primitives::DepthBlend;
 
 class DepthBlendTest : public OnEachInstructionSet {};
 Z3D_ON_EACH_INSTRUCTION_SET(DepthBlendTest);
 
-constexpr volume::ValueRange kUnbounded = {FLT_MAX, -FLT_MAX};
-constexpr volume::ValueRange kBytes = {255, 0};
+constexpr primitives::ValueRange kUnbounded = {FLT_MAX, -FLT_MAX};
+constexpr primitives::ValueRange kBytes = {255, 0};
 
 std::vector<float> Blend(const DepthBlend& blend, const std::vector<float>& a, const std::vector<float>& b) {
     std::vector<float> result(a.size(), -99.0f);
@@ -80,7 +80,7 @@ TEST_P(DepthBlendTest, AddsTheWeightedSamplesEvenWhenTheyAreEqual) {
 }
 
 TEST_P(DepthBlendTest, SaturatesBytesToAnyBounds) {
-    const volume::ValueRange inverted; // the start of a range
+    const primitives::ValueRange inverted; // the start of a range
     const std::vector<std::uint8_t> any = {0, 100, 255};
 
     EXPECT_EQ(Blend({1000.0, kUnbounded}, any, {255, 0, 0}), (std::vector<std::uint8_t>{255, 0, 0}));
@@ -185,11 +185,11 @@ TEST_P(DepthBlendTest, IsThePlainFormForEveryPairOfBytesAndAwkwardWeights) {
             random.Chance(6) ? kEnds[random.Below(8)] : std::fmod(quotient, 1.0) + kOffsets[random.Below(8)];
         const int high = random.Between(1, 255);
         const int low = random.Below(high + 1);
-        const volume::ValueRange kBounds[] = {{255, 0},
-                                              {static_cast<float>(high), static_cast<float>(low)},
-                                              {static_cast<float>(high) + 0.5f, static_cast<float>(low)},
-                                              {300, -20},
-                                              {static_cast<float>(low), static_cast<float>(high)}};
+        const primitives::ValueRange kBounds[] = {{255, 0},
+                                                  {static_cast<float>(high), static_cast<float>(low)},
+                                                  {static_cast<float>(high) + 0.5f, static_cast<float>(low)},
+                                                  {300, -20},
+                                                  {static_cast<float>(low), static_cast<float>(high)}};
         ASSERT_NO_FATAL_FAILURE(pairs.ExpectThePlainForm({t, kBounds[random.Below(5)]})) << "seed " << seed;
     }
 }

@@ -1,13 +1,11 @@
-// The smallest and the largest sample of images.
+// The smallest and the largest of some samples.
 #pragma once
-
-#include "frame/LockedImage.h"
 
 #include <cfloat>
 #include <cstddef>
 #include <cstdint>
 
-namespace z3d::volume {
+namespace z3d::primitives {
 
 // A new range holds the two extremes the wrong way round: any number widens it.
 struct ValueRange {
@@ -30,10 +28,4 @@ struct ValueRange {
 void WidenByBytes(ValueRange& range, const std::uint8_t* samples, std::size_t count);
 void WidenByFloats(ValueRange& range, const float* samples, std::size_t count);
 
-// The same for an image's samples: floats when it has 4 bytes per pixel, else bytes.
-void WidenByPixels(ValueRange& range, const frame::LockedImage& image);
-
-// The same for an unlocked slice; false when it cannot be locked.
-[[nodiscard]] bool WidenBySlice(ValueRange& range, Image2D* slice);
-
-} // namespace z3d::volume
+} // namespace z3d::primitives

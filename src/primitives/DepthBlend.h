@@ -1,12 +1,12 @@
 // The weighted mean of two slices, sample by sample.
 #pragma once
 
-#include "volume/ValueRange.h"
+#include "primitives/ValueRange.h"
 
 #include <cstddef>
 #include <cstdint>
 
-namespace z3d::volume {
+namespace z3d::primitives {
 
 // Sample i of the result is v = a[i] * (1 - t) + b[i] * t in double, one rounding per operation, raised to
 // bounds.min when it is less and then lowered to bounds.max when it is greater (so a NaN stays). `t` may lie
@@ -22,4 +22,4 @@ struct DepthBlend {
     void Bytes(const std::uint8_t* a, const std::uint8_t* b, std::uint8_t* result, std::size_t count) const;
 };
 
-} // namespace z3d::volume
+} // namespace z3d::primitives
