@@ -57,6 +57,7 @@ BestFirstWalk::BestFirstWalk(const Projection& projection, const Rule& rule, con
 
 std::int32_t BestFirstWalk::Render() {
     for (std::int32_t band = 0; band < rays_.Bottom(); band += kTileSide) {
+        // Rays that look at more than half of their stretches after all do so sooner in packets.
         const bool isOptional = projection_.skipPolicy == SkipPolicy::WhereItPays;
         if (isOptional && asked_ >= kTrial && looked_ * 2 > asked_) return band;
         const std::int32_t rows = Fewer(kTileSide, rays_.Bottom() - band);
@@ -69,10 +70,13 @@ std::int32_t BestFirstWalk::Render() {
 
 void BestFirstWalk::RenderSpan(std::int32_t band, std::int32_t rows, std::int32_t left,
                                std::int32_t columns) {
+    // The queue holds rays of the whole span, so their results are kept until it is empty.
     top_ = band;
     left_ = left;
     __builtin_memset(rank_, 0, sizeof rank_);
     __builtin_memset(isFound_, 0, sizeof isFound_);
+
+    // Rays are trimmed a tile at a time, as those of packets are.
     for (std::int32_t tile = 0; tile < columns; tile += kTileSide) {
         const std::int32_t tileColumns = Fewer(kTileSide, columns - tile);
         if (!rays_.Trim(left + tile, tileColumns)) continue;
@@ -93,10 +97,14 @@ void BestFirstWalk::LookAtPacket(const Packet& packet, std::int32_t row, std::in
     Positions positions;
     rays_.PlaceStarts(packet, top_ + row, left_ + column, positions);
     for (std::int32_t done = 0; done < packet.longest; done += kChunk * kSamples) {
+        // Sixteen rays look as fast as one, so they look together while many want to. The first look is worth it for
+        // any: what it finds settles most of the others.
         const int stretches = FindBounds(packet, done, positions);
         int fewest = 1;
         while (LookAtBest(packet, done, stretches, fewest, state))
             fewest = kWorthALook;
+
+        // The few that are left wait for rays of other packets that want to look, too.
         for (int stretch = 0; stretch < stretches; ++stretch)
             Enqueue(packet, row, column, done, stretch, Wants(bound_[stretch], state));
     }
@@ -184,6 +192,7 @@ void BestFirstWalk::Enqueue(const Packet& packet, std::int32_t row, std::int32_t
     for (unsigned rays = BitsOf(wanted); rays != 0; rays &= rays - 1) {
         const int ray = __builtin_ctz(rays);
         const int slot = queue_.size++;
+        // A slot is a ray with all that a look needs to know of it, and the pixel that its result belongs to.
         for (int axis = 0; axis < 3; ++axis)
             queue_.positions.axis[axis][slot] = starts_[stretch].axis[axis][ray];
         queue_.row[slot] = row + ray / kPacketSide;
@@ -201,6 +210,8 @@ void BestFirstWalk::LookAtQueue() {
             axis[slot] = axis[0];
         queue_.samples[slot] = 0;
     }
+
+    // A slot begins anew: an extreme of extremes needs nothing of what its ray has found before.
     GreyExtreme::State state{};
     LookAt(queue_.positions, LoadBytes(queue_.samples), state);
     for (int slot = 0; slot < queue_.size; ++slot) {
@@ -223,6 +234,7 @@ void BestFirstWalk::FinishSpan(std::int32_t rows, std::int32_t columns) const {
         for (std::int32_t column = 0; column < columns; column += kRays) {
             const GreyExtreme::State state = {{LoadBytes(rank_[row] + column)},
                                               LoadBytes(isFound_[row] + column)};
+            // The last pixels of a row may be fewer than sixteen: what would lie beyond it is cut off in a buffer.
             float* to = projection_.PixelAt(top_ + row, left_ + column);
             const auto pixels = static_cast<std::size_t>(Fewer(columns - column, kRays));
             float finished[3 * kRays];

@@ -44,6 +44,7 @@ LineWalk::LineWalk(const Projection& projection, const Rule& rule, const ViewLin
 // half the distance of floats at each step; where that adds up to more than half a voxel, all of the axis counts.
 VoxelSlab::Extent LineWalk::ExtentOf(const Projection& projection, const Rule& rule, const ViewLines& lines) {
     VoxelSlab::Extent extent;
+    // The two ends of each line bound what lies between them, because a line takes equal steps.
     for (int number = 0; number < 2; ++number) {
         const int axis = lines.Across(number);
         const std::int32_t last = SizeOf(projection.grid, axis) - 1;
@@ -59,6 +60,8 @@ VoxelSlab::Extent LineWalk::ExtentOf(const Projection& projection, const Rule& r
             low = __builtin_fmin(low, __builtin_fmin(start, end) - stray);
             high = __builtin_fmax(high, __builtin_fmax(start, end) + stray);
         }
+
+        // Cut to the volume; indexes are whole, so the upper end is rounded up.
         extent.first[number] = low > 0 ? static_cast<std::int32_t>(low) : 0;
         extent.last[number] = high < last ? static_cast<std::int32_t>(high) + 1 : last;
         if (extent.first[number] > extent.last[number]) extent.first[number] = extent.last[number];
@@ -69,6 +72,7 @@ VoxelSlab::Extent LineWalk::ExtentOf(const Projection& projection, const Rule& r
 void LineWalk::Render() {
     FillAround();
     if (lines_.FirstLine() > lines_.LastLine()) return;
+    // Blocks are as long as states fit, or as a slab is wide.
     const std::int32_t together = isDirect_ ? mostGroups_ * kRays : VoxelSlab::kLanes;
     for (std::int32_t first = firstVoxel_; first <= lastVoxel_; first += together) {
         const std::int32_t rest = lastVoxel_ - first;
@@ -82,6 +86,8 @@ void LineWalk::FillAround() {
     const bool isEmpty = lines_.FirstLine() > lines_.LastLine();
     const LinePixel first = {lines_.FirstLine(), lines_.First()};
     const LinePixel last = {lines_.LastLine(), lines_.Last()};
+
+    // Rows above and below that rectangle are filled whole, the others to its left and to its right.
     for (std::int32_t row = 0; row < projection_.view.outputHeight; ++row) {
         const bool isAround = isEmpty || row < lines_.Row(first) || row > lines_.Row(last);
         FillWithInitial(projection_, rule_, row, 0, isAround ? width : lines_.Column(first));
@@ -106,7 +112,10 @@ void LineWalk::ChooseGroups(std::int32_t first, std::int32_t last) {
     const std::int32_t together = rule_.groupsTogether;
     blockFirst_ = first;
     blockLast_ = last;
+
+    // Rules that reduce several groups at once get whole numbers of them; what is too many is not shown.
     rows_.groups = (needed + together - 1) / together * together;
+    // A slab keeps each channel of a voxel by itself; rows of the volume hold whole voxels.
     rows_.channelBytes = isDirect_ || rule_.voxelBytes == 1 ? 0 : VoxelSlab::kLanes;
     for (std::int32_t group = 0; group < rows_.groups; ++group) {
         base_[group] = first + group * kRays;
@@ -118,6 +127,7 @@ void LineWalk::ChooseGroups(std::int32_t first, std::int32_t last) {
 }
 
 void LineWalk::StartLines(std::int32_t line) {
+    // Lines that are left over have no samples, and are not finished.
     starts_ = {};
     longest_ = 0;
     for (int row = 0; row < kRays; ++row) {
@@ -135,6 +145,9 @@ void LineWalk::ReduceLines() {
     __builtin_memset(states_, 0,
                      std::size_t{kRays} * static_cast<std::size_t>(rows_.groups)
                          * static_cast<std::size_t>(rule_.stateBytes));
+
+    // Positions are stepped for sixteen lines at once, then each line takes its voxels. It ends early once nothing
+    // can change any of them.
     Positions positions = starts_;
     bool isLive = true;
     for (std::int32_t done = 0; done < longest_ && isLive; done += kSamples) {
@@ -186,6 +199,8 @@ void LineWalk::FinishGroup(std::int32_t line, std::int32_t group, const std::byt
         return;
     }
     if (first > last) return;
+
+    // All others go through a buffer: pixels may run downwards, or from right to left.
     float pixels[3 * kRays];
     rule_.finish(rule_, state, {pixels, kQuadsInARow});
     const float* from = pixels + 3 * (first - base);

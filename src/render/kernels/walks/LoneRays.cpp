@@ -5,6 +5,8 @@
 namespace z3d::render::Z3D_ISA {
 namespace {
 
+// A packet of any sixteen pixels instead of a square of them. Such rays are few, so their set-up is the exact one and
+// nothing is passed over.
 class LoneRays {
 public:
     LoneRays(const Projection& projection, const Rule& rule, const ViewLines& lines)
@@ -20,6 +22,7 @@ public:
         Start(pixels);
         Follow();
 
+        // The pixels may lie anywhere, so they are copied one by one.
         float finished[3 * kRays];
         rule_.finish(rule_, states_.own, {finished, kQuadsInARow});
         for (int ray = 0; ray < count; ++ray) {
@@ -33,6 +36,8 @@ private:
         lines_.Trim(pixels, kRays, packet_.start, packet_.count);
         packet_.longest = 0;
         for (int ray = 0; ray < kRays; ++ray) {
+            // A mode may take one sample more than the trimmed ray has, or a few of them only; the way to the first one
+            // is that of the trimmed ray all the same.
             for (int axis = 0; axis < 3; ++axis) {
                 positions_.axis[axis][ray] =
                     lines_.StartOf(pixels[ray], axis, packet_.start[ray], packet_.count[ray]);

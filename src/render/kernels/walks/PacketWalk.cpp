@@ -37,6 +37,7 @@ void PacketWalk::Render(std::int32_t firstRow) {
 }
 
 void PacketWalk::RenderTile(std::int32_t band, std::int32_t rows, std::int32_t left, std::int32_t columns) {
+    // Tiles that no ray through the crop box touches, as in the corners of most pictures, cost no packet.
     if (!rays_.Trim(left, columns)) {
         for (std::int32_t row = band; row < band + rows; ++row)
             FillWithInitial(projection_, rule_, row, left, left + columns);
@@ -50,8 +51,10 @@ void PacketWalk::RenderTile(std::int32_t band, std::int32_t rows, std::int32_t l
 
 void PacketWalk::PrepareSkipping() {
     if (!table_.IsPossible()) return;
+    // The table takes time of its own. It is made where what it can save at most is more than that.
     if (IsOptional() && EstimateFruitless() * kVoxelsPerSample < table_.SampledVoxels()) return;
     isSkipping_ = table_.Make();
+    // A ray that has the highest value there is has ended, whether or not stretches are passed over.
     for (int c = 0; c < 3; ++c)
         states_.highest[c] = AllBytes(table_.Highest(c));
 }
@@ -63,6 +66,8 @@ double PacketWalk::EstimateFruitless() {
     const std::int32_t packets = PacketsIn(rays_.Right() - border);
     const std::int32_t probes = Fewer(packetRows / 8 + 1, kProbedRows);
     std::int64_t probed = 0;
+    // Probed rows are spread evenly, and the packets of one stand beside those of the last: a few see all of the image.
+    // They are rendered in earnest; the walk renders them again.
     isProbing_ = true;
     for (std::int32_t probe = 0; probe < probes; ++probe) {
         const std::int32_t top = border + (2 * probe + 1) * packetRows / (2 * probes) * kPacketSide;
@@ -76,6 +81,8 @@ double PacketWalk::EstimateFruitless() {
         }
     }
     isProbing_ = false;
+
+    // What holds for them holds for the rest.
     if (probed == 0) return 0;
     return static_cast<double>(fruitless_) * packetRows * packets / static_cast<double>(probed);
 }
@@ -83,6 +90,7 @@ double PacketWalk::EstimateFruitless() {
 void PacketWalk::RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile, std::int32_t column) {
     Packet packet;
     rays_.Gather(row, column, packet);
+    // Zeroes are where every mode begins. Rays without samples keep them, and become the initial value.
     states_.settled = Bytes{};
     states_.wasAccepted = Bytes{};
     __builtin_memset(states_.own, 0, static_cast<std::size_t>(rule_.stateBytes));
@@ -124,6 +132,7 @@ void PacketWalk::FollowRays(const Packet& packet, std::int32_t top, std::int32_t
 void PacketWalk::FinishPacket(std::int32_t top, std::int32_t left) {
     const std::int32_t rows = rays_.Bottom() - top;
     const std::int32_t columns = rays_.Right() - left;
+    // Nearly all packets lie within the image, and go there without a detour.
     if (rows >= kPacketSide && columns >= kPacketSide) {
         const std::ptrdiff_t row = 3 * static_cast<std::ptrdiff_t>(projection_.view.outputWidth);
         rule_.finish(rule_, states_.own, {projection_.PixelAt(top, left), row});

@@ -34,6 +34,7 @@ void TrimRays(const ProjectionRenderer& view, const double* x, const double* y, 
     if (!lines.FindAxes()) return false;
     // Rays that mostly end with their first samples leave nothing to gain by laying all voxels out anew.
     if (lines.Axis() != 0 && rule.looks.first < kSamples) return false;
+    // Then the paths, which take memory, and the pixels that share none.
     if (!lines.FindPaths()) return false;
     if (!RenderPaths(projection, rule, lines)) return false;
     RenderLoneRays(projection, rule, lines);
@@ -68,6 +69,7 @@ void TrimRays(const ProjectionRenderer& view, const double* x, const double* y, 
 }
 
 void FillImage(const Projection& projection, const Rule& rule) {
+    // A border that the mode leaves out keeps the zeroes that the image is made of.
     const std::int32_t border = rule.shape.border;
     for (std::int32_t row = border; row < projection.view.outputHeight - border; ++row)
         FillWithInitial(projection, rule, row, border, projection.view.outputWidth - border);
@@ -75,12 +77,17 @@ void FillImage(const Projection& projection, const Rule& rule) {
 
 } // namespace
 
+// From the fastest walk to the one that can do everything. Each says for itself whether it can, before it has touched
+// the image, so that the next one starts from nothing.
 void Render(const Projection& projection, const Rule& rule) {
+    // No voxel counts: no ray needs to be followed.
     if (rule.isEmpty) return FillImage(projection, rule);
     if (RenderLines(projection, rule) || RenderColumns(projection, rule)) return;
     RenderPackets(projection, rule);
 }
 
+// The same, but packets only do the rows that are left. The best-first walk has tried the table by then: where it has
+// given up, packets would find that it does not pay either.
 void RenderExtreme(const Projection& projection, const Rule& rule, const GreyExtreme& mode) {
     if (rule.isEmpty) return FillImage(projection, rule);
     if (RenderLines(projection, rule) || RenderColumns(projection, rule)) return;
@@ -88,6 +95,7 @@ void RenderExtreme(const Projection& projection, const Rule& rule, const GreyExt
     if (rendered < projection.view.outputHeight) RenderPacketsWithoutTable(projection, rule, rendered);
 }
 
+// Scores are not voxels: there is no table of bounds for them, nor are they laid out in lines.
 void RenderAllSamples(const Projection& projection, const Rule& rule) {
     RenderPacketsWithoutTable(projection, rule, rule.shape.border);
 }

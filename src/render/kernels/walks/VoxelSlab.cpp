@@ -8,6 +8,8 @@ constexpr int kParts = Z3D_VECTOR_BYTES / 16; // of a vector, each of which take
 constexpr int kRows = 8 * kParts;             // that are transposed together
 static_assert(VoxelSlab::kLanes % kRows == 0);
 
+// The widest bytes there are. Operations of 256 and 512 bits work on each part of 128 by itself, which is why a part has
+// rows of its own.
 typedef std::uint8_t Wide __attribute__((vector_size(Z3D_VECTOR_BYTES), may_alias));
 
 Z3D_INLINE Wide LowBytes(Wide a, Wide b) {
@@ -75,10 +77,13 @@ Z3D_INLINE void StoreColumns(Wide columns, std::uint8_t* to) {
 // bit 2 of the row number behind the bits of the column number; after three times, vector i holds columns 2i and
 // 2i + 1. Eight vectors are all that 32-bit code has.
 Z3D_INLINE void Transpose(const std::uint8_t* const* rows, std::size_t column, std::uint8_t* to) {
+    // Vector i: row i of each part.
     Wide a[8];
 #pragma GCC unroll 8
     for (int row = 0; row < 8; ++row)
         a[row] = LoadRows(rows, row, column);
+
+        // Unrolled: vectors stay in registers only where their numbers are constants.
 #pragma GCC unroll 3
     for (int time = 0; time < 3; ++time) {
         Wide b[8];
@@ -147,6 +152,7 @@ void VoxelSlab::FillLayer(std::int32_t first, std::int32_t last, std::int32_t ot
     }
 }
 
+// Narrow volumes: a row is shorter than what is transposed at once, and nothing may be read behind it.
 void VoxelSlab::FillShortRows(const std::uint8_t* const* rows, std::uint8_t* to) const {
     for (std::int32_t column = 0; column < grid_.width * voxelBytes_; ++column) {
         for (std::int32_t lane = 0; lane < kLanes; ++lane)
