@@ -149,15 +149,17 @@ bool ProjectionRenderer::HasRenderableDepth() const {
 float* ProjectionRenderer::Render(std::int32_t mode, const RenderArguments& arguments, std::uint16_t* width,
                                   std::uint16_t* height) {
     StoreSize(width, height);
-    const ModeKernels* kernels = KernelsOfMode(CurrentKernels(), mode, arguments.extra);
+    const InstructionSet set = platform::CurrentInstructionSet();
+    const ModeKernels* kernels = KernelsOfMode(KernelsOf(set), mode, arguments.extra);
     if (kernels == nullptr) return nullptr;
     if (HasValidSize() && HasRenderableDepth() && width != nullptr && height != nullptr)
-        return RenderWith(*kernels, arguments);
+        return RenderWith(*kernels, set == InstructionSet::Avx512Gather, arguments);
     frame::GlobalUnlock3D(volume);
     return nullptr;
 }
 
-float* ProjectionRenderer::RenderWith(const ModeKernels& kernels, const RenderArguments& arguments) const {
+float* ProjectionRenderer::RenderWith(const ModeKernels& kernels, bool isGathered,
+                                      const RenderArguments& arguments) const {
     const LockedVolume locked(*volume);
     if (!locked) return nullptr;
     ProjectionImage image(outputWidth, outputHeight);
@@ -165,8 +167,7 @@ float* ProjectionRenderer::RenderWith(const ModeKernels& kernels, const RenderAr
 
     const Projection projection = {
         .view = *this,
-        .grid = {locked.Slices(), volumeWidth, volumeHeight, volumeDepth,
-                 platform::CurrentInstructionSet() == platform::InstructionSet::Avx512Gather},
+        .grid = {locked.Slices(), volumeWidth, volumeHeight, volumeDepth, isGathered},
         .arguments = arguments,
         .pixels = image.Pixels(),
         .skipPolicy = CurrentSkipPolicy()};

@@ -76,7 +76,7 @@ public:
 
 private:
     bool HasRenderableDepth() const;
-    float* RenderWith(const ModeKernels& kernels, const RenderArguments& arguments) const;
+    float* RenderWith(const ModeKernels& kernels, bool isGathered, const RenderArguments& arguments) const;
     void LoadRotation(const float* source);
     void SizeOutput();
     void LoadCrop(const CropBox& crop);

@@ -21,13 +21,14 @@ TEST(TableBytes, CountsFewerLayersOfCodesForAFlatVolume) {
 
 // The table of this thin volume would have 1,573,088 bytes for 65,535 voxels.
 TEST(TableBytes, CannotBeHadForTablesLargerThanTheVolumeTwice) {
-    EXPECT_EQ(TableBytes({nullptr, 1, 65535, 1}), SIZE_MAX);
+    EXPECT_EQ(TableBytes({nullptr, 1, 65535, 1}), render::BlockExtent::kNeverFits);
     EXPECT_LT(TableBytes({nullptr, 1, 1, 1}), 65536u);
 }
 
 TEST(TableBytes, DoesNotWrap) {
     const std::uint64_t bytes = TableBytes({nullptr, 65535, 65535, 40});
-    EXPECT_EQ(bytes, sizeof(std::size_t) == 4 ? std::uint64_t{SIZE_MAX} : std::uint64_t{4'838'425'088});
+    EXPECT_EQ(bytes, sizeof(std::size_t) == 4 ? std::uint64_t{render::BlockExtent::kNeverFits}
+                                              : std::uint64_t{4'838'425'088});
 }
 
 } // namespace

@@ -20,7 +20,8 @@ std::size_t BlockExtent::TableBytes(const VoxelGrid& grid) const {
                                  * static_cast<std::uint32_t>(grid.height)
                                  * static_cast<std::uint32_t>(grid.depth);
     constexpr std::uint64_t kSmall = 1 << 16;
-    return bytes <= 2 * voxels + kSmall && bytes < SIZE_MAX ? static_cast<std::size_t>(bytes) : SIZE_MAX;
+    const bool fits = bytes <= 2 * voxels + kSmall && bytes < kNeverFits;
+    return fits ? static_cast<std::size_t>(bytes) : kNeverFits;
 }
 
 } // namespace z3d::render

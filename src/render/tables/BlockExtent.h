@@ -25,10 +25,13 @@ struct BlockExtent {
 
     explicit BlockExtent(const VoxelGrid& grid);
 
+    // More than any memory: what a table that does not fit, or is not worth its memory, is said to need.
+    static constexpr std::size_t kNeverFits = SIZE_MAX;
+
     std::size_t CodeBytes() const { return layer * static_cast<std::size_t>(layers); }
 
-    // Of codes and bounds together, about a fiftieth of the voxels. A size that cannot be had where it does not fit, or
-    // where padding makes the table of a thin volume larger than the volume twice.
+    // Of codes and bounds together, about a fiftieth of the voxels. kNeverFits where they are more than memory can
+    // hold, or where padding makes the table of a thin volume larger than the volume twice.
     std::size_t TableBytes(const VoxelGrid& grid) const;
 };
 

@@ -11,6 +11,7 @@ namespace z3d::render {
 void FetchBytes(const std::uint8_t* const* slices, const Indexes& indexes, int samples, std::uint8_t* to);
 
 // Offsets into slices, in bytes, become the four bytes that are there.
-void FetchWords(const std::uint8_t* const* slices, const std::uint32_t* z, int count, std::uint32_t* words);
+void FetchWords(const std::uint8_t* const* slices, const Indexes& indexes, int samples,
+                std::uint32_t (&words)[kSamples][kRays]);
 
 } // namespace z3d::render

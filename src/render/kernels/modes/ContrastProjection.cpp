@@ -73,12 +73,13 @@ struct Scores {
 [[gnu::noinline]] void Fetch(const std::uint16_t* const* slices, const Indexes& __restrict indexes,
                              int samples, Scores::Samples& __restrict stretch) {
     auto* __restrict to = reinterpret_cast<std::uint16_t*>(stretch.sample);
-    const std::uint32_t* z = indexes.z[0];
-    const std::uint32_t* plane = indexes.plane[0];
-    const int last = samples * kRays;
+    for (int sample = 0; sample < samples; ++sample, to += kRays) {
+        const std::uint32_t* z = indexes.z[sample];
+        const std::uint32_t* plane = indexes.plane[sample];
 #pragma GCC unroll 8
-    for (int index = 0; index < last; ++index)
-        to[index] = slices[z[index]][plane[index]];
+        for (int ray = 0; ray < kRays; ++ray)
+            to[ray] = slices[z[ray]][plane[ray]];
+    }
 }
 
 // Over the scores of all voxels: grey again, where there is memory for them.

@@ -87,18 +87,24 @@ Z3D_INLINE void Fetch(const VoxelGrid& grid, const Indexes& indexes, int samples
 }
 
 // Slices of one voxel.
-[[gnu::noinline, gnu::cold]] inline void
-FetchOnlyVoxels(const std::uint8_t* const* slices, const std::uint32_t* z, int count, std::uint32_t* words) {
-    for (int index = 0; index < count; ++index) {
-        const std::uint8_t* voxel = slices[z[index]];
-        words[index] = static_cast<std::uint32_t>(voxel[0] | voxel[1] << 8 | voxel[2] << 16);
+[[gnu::noinline, gnu::cold]] inline void FetchOnlyVoxels(const std::uint8_t* const* slices,
+                                                         const Indexes& indexes, int samples,
+                                                         std::uint32_t (&words)[kSamples][kRays]) {
+    for (int sample = 0; sample < samples; ++sample) {
+        for (int ray = 0; ray < kRays; ++ray) {
+            const std::uint8_t* voxel = slices[indexes.z[sample][ray]];
+            words[sample][ray] = static_cast<std::uint32_t>(voxel[0] | voxel[1] << 8 | voxel[2] << 16);
+        }
     }
 }
 
-[[gnu::noinline, gnu::cold]] inline void ShiftLastVoxels(const std::uint32_t* plane, std::uint32_t last,
-                                                         int count, std::uint32_t* words) {
-    for (int index = 0; index < count; ++index)
-        words[index] >>= plane[index] == last ? 8 : 0;
+[[gnu::noinline, gnu::cold]] inline void ShiftLastVoxels(const Indexes& indexes, std::uint32_t last,
+                                                         int samples,
+                                                         std::uint32_t (&words)[kSamples][kRays]) {
+    for (int sample = 0; sample < samples; ++sample) {
+        for (int ray = 0; ray < kRays; ++ray)
+            words[sample][ray] >>= indexes.plane[sample][ray] == last ? 8 : 0;
+    }
 }
 
 // Colours as words. A slice's last voxel has nothing behind it that may be read: it is read with the byte before it.
@@ -106,8 +112,7 @@ Z3D_INLINE void FetchColours(const VoxelGrid& grid, const Indexes& __restrict in
                              std::uint32_t (&__restrict words)[kSamples][kRays]) {
     const std::uint32_t last =
         static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
-    const int count = samples * kRays;
-    if (last == 0) return FetchOnlyVoxels(grid.slices, indexes.z[0], count, words[0]);
+    if (last == 0) return FetchOnlyVoxels(grid.slices, indexes, samples, words);
 
     // All offsets before all loads: what has just been stored is loaded at once only in the pieces it was stored in.
     Uints isAnyLast = {};
@@ -119,8 +124,8 @@ Z3D_INLINE void FetchColours(const VoxelGrid& grid, const Indexes& __restrict in
             isAnyLast |= isLast;
         }
     }
-    FetchWords(grid.slices, indexes.z[0], count, words[0]);
-    if (AnySet(isAnyLast)) ShiftLastVoxels(indexes.plane[0], last, count, words[0]);
+    FetchWords(grid.slices, indexes, samples, words);
+    if (AnySet(isAnyLast)) ShiftLastVoxels(indexes, last, samples, words);
 }
 
 [[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
