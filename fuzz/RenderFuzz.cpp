@@ -1,5 +1,5 @@
-// GetRotProjection on tiny volumes with every argument, instruction set and table of bounds, also with slices of another
-// format, and with a random request of the platform refused.
+// GetRotProjection on tiny volumes with every argument, instruction set and table of bounds, also with slices of
+// another format, and with a random request of the platform refused.
 //
 // The result has to be the plain form's, bit for bit, or null where the plain form renders nothing or something was
 // refused; the volume is left unlocked, and nothing is left over.

@@ -18,8 +18,8 @@ namespace {
 constexpr double kLargestExtent = 2147483647.0;
 
 // A viewing direction longer than this asks for more than a thousand samples per voxel, which could take hours: it is
-// no rotation, nor one with scaled axes, but most likely doubles that were passed as floats. It also keeps depth indexes
-// far within 32 bits.
+// no rotation, nor one with scaled axes, but most likely doubles that were passed as floats. It also keeps depth
+// indexes far within 32 bits.
 constexpr double kLongestStep = 1024;
 
 struct BoundingBox {

@@ -11,9 +11,9 @@
 
 namespace z3d::volume {
 
-// Resamples slices of one size (1 to 65535 each way) and of 1 or 4 bytes per pixel, bytes or floats. Bilinear; a slice's
-// first column and first row do not contribute, and what the resize leaves unwritten at the right and at the bottom is
-// zero.
+// Resamples slices of one size (1 to 65535 each way) and of 1 or 4 bytes per pixel, bytes or floats. Bilinear; a
+// slice's first column and first row do not contribute, and what the resize leaves unwritten at the right and at the
+// bottom is zero.
 class SliceResampler {
 public:
     SliceResampler(primitives::ImageSize size, primitives::ImageSize newSize, std::uint32_t bytesPerPixel);

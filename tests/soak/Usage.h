@@ -21,8 +21,8 @@ Usage MeasureUsage();
 // Whether the measures tell that a heap block, a handle and a GDI object have been taken.
 bool UsageSeesLeaks();
 
-// Nothing has grown beyond what comes and goes: a few handles, objects and heap blocks, and a megabyte of private bytes,
-// which is what heaps keep of what was given back to them.
+// Nothing has grown beyond what comes and goes: a few handles, objects and heap blocks, and a megabyte of private
+// bytes, which is what heaps keep of what was given back to them.
 bool IsFlat(const Usage& before, const Usage& after);
 
 void Print(const char* label, const Usage& usage);

@@ -85,8 +85,8 @@ Window RandomWindow(RandomSource& random, WindowKind kind, int largestValue);
 // Bits of 0, -0, NaN, 1, the float next to 1, 0.5, 0.95, negative, above 1, denormal, infinite, or in [0, 1).
 std::uint32_t RandomExtra(RandomSource& random);
 
-// The mode is a RenderMode or any other number. All kinds mixed; two thirds of the crops and half of the windows are full, so that most requests show
-// something.
+// The mode is a RenderMode or any other number. All kinds mixed; two thirds of the crops and half of the windows are
+// full, so that most requests show something.
 reference::Request RandomRequest(RandomSource& random, const reference::Volume& volume, int mode);
 
 // The whole volume, everything inside the window.

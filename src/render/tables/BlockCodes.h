@@ -7,8 +7,8 @@
 
 namespace z3d::render {
 
-// Layers have rows of bytes that leave one border block on each side (see BlockExtent). Blocks that are not sampled have
-// code 0.
+// Layers have rows of bytes that leave one border block on each side (see BlockExtent). Blocks that are not sampled
+// have code 0.
 template <class Coder>
 class BlockCodes {
 public:

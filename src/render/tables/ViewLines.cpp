@@ -3,11 +3,12 @@
 // Why one ray can speak for a line. T(a,p) is the map's element from picture axis p to volume axis a, s = T(a,2) the
 // step on the volume axis, b one of the other two axes.
 //
-// The volume axis. Rays stray from the whole or half number that belongs to their place by what the other elements
-// of row a add, at most kMostStray: a step moves a float by less than 2|s|, or, where |s| is below half the distance of
+// The volume axis. Rays stray from the whole or half number that belongs to their place by what the other elements of
+// row a add, at most kMostStray: a step moves a float by less than 2|s|, or, where |s| is below half the distance of
 // floats, not at all. Rounding adds up to 2^-9 (sizes are below 2^16). A coordinate goes to the next voxel at a
-// fraction of 0.51, so all samples of a ray have the voxel of its place. Faces of the crop box are multiples of 1/4: the
-// ends of rays at an inner place, which is on neither face, are surely between the faces, and so they hit none of them.
+// fraction of 0.51, so all samples of a ray have the voxel of its place. Faces of the crop box are multiples of 1/4:
+// the ends of rays at an inner place, which is on neither face, are surely between the faces, and so they hit none of
+// them.
 //
 // The other axes. Every rounded operation is monotone, and so are the entry points on b, the first sample points, all
 // later ones and the voxels nearest to them, in the place. Where they are the same at two places, they are the same

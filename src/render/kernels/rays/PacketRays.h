@@ -58,8 +58,8 @@ public:
             row_[row] = linear_.RowAt(ViewRow(row) - static_cast<double>(view_.outputHalfSize[1]));
     }
 
-    // Trims the rays of the band in `columns` columns, a tile's at most, from column `left` on. Those beyond the rows or
-    // columns that are rendered get no samples. False when no ray has any.
+    // Trims the rays of the band in `columns` columns, a tile's at most, from column `left` on. Those beyond the rows
+    // or columns that are rendered get no samples. False when no ray has any.
     [[gnu::noinline]] bool Trim(std::int32_t left, std::int32_t columns) {
         left_ = left;
         __m128i any = _mm_setzero_si128();
@@ -79,7 +79,8 @@ public:
         return AnySet(ToBytes(_mm_cmpgt_epi32(any, _mm_setzero_si128())));
     }
 
-    // The rays of the packet at row `row` of the band and column `column` of the trimmed ones, in the order of the rows.
+    // The rays of the packet at row `row` of the band and column `column` of the trimmed ones, in the order of the
+    // rows.
     [[gnu::noinline]] void Gather(std::int32_t row, std::int32_t column, Packet& packet) const {
         const __m128i zero = _mm_setzero_si128();
         const __m128i extra = _mm_set1_epi32(shape_.samplesPastEnd);

@@ -8,8 +8,8 @@
 // sample at almost 0 has voxel 0 and is exact from the next step on. All hits have the samples of the view of right angles.
 //
 // On a and b, rays run parallel to the faces, which they do not hit. A coordinate of at least 2^-16 is the same along
-// the whole ray, as kMostStray is less than half the distance of floats there. A smaller one has voxel 0 everywhere, and
-// is sure to be inside or outside unless a face lies at 0: such crop boxes are left to other walks.
+// the whole ray, as kMostStray is less than half the distance of floats there. A smaller one has voxel 0 everywhere,
+// and is sure to be inside or outside unless a face lies at 0: such crop boxes are left to other walks.
 namespace z3d::render::Z3D_ISA {
 namespace {
 

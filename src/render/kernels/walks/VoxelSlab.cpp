@@ -8,8 +8,8 @@ constexpr int kParts = Z3D_VECTOR_BYTES / 16; // of a vector, each of which take
 constexpr int kRows = 8 * kParts;             // that are transposed together
 static_assert(VoxelSlab::kLanes % kRows == 0);
 
-// The widest bytes there are. Operations of 256 and 512 bits work on each part of 128 by itself, which is why a part has
-// rows of its own.
+// The widest bytes there are. Operations of 256 and 512 bits work on each part of 128 by itself, which is why a part
+// has rows of its own.
 typedef std::uint8_t Wide __attribute__((vector_size(Z3D_VECTOR_BYTES), may_alias));
 
 Z3D_INLINE Wide LowBytes(Wide a, Wide b) {
