@@ -1,12 +1,14 @@
 /*
- * Zentra3DRendering - renders 3D image volumes. 32-bit Windows DLL; the library's one public header (C89).
+ * Zentra3DRendering - renders 3D image volumes. The one public header (C89), for builds of 32 and of 64 bits.
  *
- * Link with Zentra3DRendering.lib (short-import format: MinGW, MSVC, clang-cl) or load the DLL and take the
- * undecorated names with GetProcAddress. A 64-bit process cannot load it (error 193).
+ * On Windows link with Zentra3DRendering.lib (short-import format: MinGW, MSVC, clang-cl) or load the DLL and take
+ * the undecorated names with GetProcAddress. Process and DLL have to be of one bitness (else error 193): there is
+ * one for 32-bit and one for x64 programs, with the same names and the same results to the last bit.
  *
  * Rules for every function
- * - Calling convention: stdcall (Z3D_CALL); 4-byte stack alignment is enough. Every argument takes one
- *   32-bit slot (a double takes two). Of a 16-bit argument only the low 16 bits count.
+ * - Calling convention: on 32-bit Windows stdcall (Z3D_CALL); 4-byte stack alignment is enough, and every argument
+ *   takes one 32-bit slot (a double takes two). Elsewhere the platform's own convention, with the stack alignment
+ *   that it asks for. Of a 16-bit argument only the low 16 bits count, of a 32-bit one only the low 32.
  * - Floating point: the host may run with any control word, precision, rounding or exception mask, also with
  *   numbers on the x87 stack or MMX registers in use. The library switches to a state of its own for the call
  *   and puts the host's back exactly. Results do not depend on it.
@@ -17,10 +19,13 @@
  * - Threads: the library makes none and works on the caller's. Calls on different objects may run at the same
  *   time. Rendering locks and unlocks its volume, so no two calls may render, lock, unlock or free the same
  *   volume at the same time.
- * - Processor: 32-bit x86 with SSE2. Results are the same to the last bit on every processor.
+ * - Sizes: the same limits hold for all builds, whatever memory a 64-bit process has.
+ * - Processor: x86 with SSE2, or x64. Results are the same to the last bit on every processor.
  */
 #ifndef ZENTRA3DRENDERING_H
 #define ZENTRA3DRENDERING_H
+
+#include <stddef.h>
 
 #ifdef __cplusplus
 extern "C" {
@@ -33,7 +38,7 @@ extern "C" {
 #endif
 
 /* ------------------------------------------------------------------------------------------------------ */
-/* Records. Hosts read the fields; only the library writes them. Offsets are for the 32-bit build.          */
+/* Records. Hosts read the fields; only the library writes them. Their offsets: 32-bit | 64-bit builds.     */
 /* ------------------------------------------------------------------------------------------------------ */
 
 /*
@@ -41,26 +46,26 @@ extern "C" {
  * Pixel addresses are valid only between a lock and its unlock.
  */
 typedef struct Image2D {
-    void* mem;                  /* offset  0: HGLOBAL of the pixels; owned by the image */
-    unsigned char** rows;       /* offset  4: `height` row addresses while locked, else null */
-    unsigned short width;       /* offset  8: pixels per row */
-    unsigned short height;      /* offset 10: rows */
-    unsigned int bytesPerPixel; /* offset 12: 1 grey byte; 3 red, green, blue bytes; 4 grey 32-bit float */
-} Image2D;
+    void* mem;                  /*  0 |  0: HGLOBAL of the pixels; owned by the image */
+    unsigned char** rows;       /*  4 |  8: `height` row addresses while locked, else null */
+    unsigned short width;       /*  8 | 16: pixels per row */
+    unsigned short height;      /* 10 | 18: rows */
+    unsigned int bytesPerPixel; /* 12 | 20: 1 grey byte; 3 red, green, blue bytes; 4 grey 32-bit float */
+} Image2D;                      /* 16 | 24 bytes */
 
 /*
  * A volume: `depth` slices of equal size and pixel type, slice 0 first. While it is locked, the voxel at
  * column x, row y, slice z (all 0-based) starts at sliceRows[z][y] + x * bytesPerPixel.
  */
 typedef struct Volume3D {
-    Image2D** slices;           /* offset  0: `depth` images, owned by the volume; an entry may be null */
-    unsigned char*** sliceRows; /* offset  4: `depth` row tables while locked, else null */
-    unsigned short width;       /* offset  8: pixels per row of every slice */
-    unsigned short height;      /* offset 10: rows of every slice */
-    unsigned short depth;       /* offset 12: slices; the record has 16 bytes */
-} Volume3D;
+    Image2D** slices;           /*  0 |  0: `depth` images, owned by the volume; an entry may be null */
+    unsigned char*** sliceRows; /*  4 |  8: `depth` row tables while locked, else null */
+    unsigned short width;       /*  8 | 16: pixels per row of every slice */
+    unsigned short height;      /* 10 | 18: rows of every slice */
+    unsigned short depth;       /* 12 | 20: slices */
+} Volume3D;                     /* 16 | 24 bytes */
 
-/* The order of the three factors of a rotation, leftmost first: 0 = X, 1 = Y, 2 = Z. */
+/* The order of the three factors of a rotation, leftmost first: 0 = X, 1 = Y, 2 = Z. 6 bytes. */
 typedef struct AxisOrder {
     short axis[3];
 } AxisOrder;
@@ -294,7 +299,8 @@ float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short 
 
 /*
  * The host's function that GetRGBImage calls with its progress, on the thread that called GetRGBImage.
- *   user   the value that the host gave to GetRGBImage
+ *   user   the value that the host gave to GetRGBImage: wide enough for an address, so 32 bits in a 32-bit
+ *          process and 64 in a 64-bit one
  *   code   101  a phase of work starts; `value` is 0
  *          102  the phase has come to `value` percent, above 0 and up to 100
  *          0    the last call: GetRGBImage ends without a result, after a failure and after a cancel; `value`
@@ -311,12 +317,12 @@ float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short 
  *         loaded and needs none. Each phase counts to 100 percent on its own, so 100 is not the end of the call:
  *         there are (loaded files) * (2 where the depth changes, else 1) phases, and one more unless one file of
  *         bytes is returned.
- * Rules   It is stdcall like every function here. It and what it needs stay alive until GetRGBImage returns: in
- *         a managed language keep a reference to the delegate. No exception and no longjmp may leave it. It
- *         finds the floating-point state of the host, and may change it. It may call this library, except that
- *         the volumes of the running call are out of its reach.
+ * Rules   It is called as every function here is (Z3D_CALL). It and what it needs stay alive until GetRGBImage
+ *         returns: in a managed language keep a reference to the delegate. No exception and no longjmp may leave
+ *         it. It finds the floating-point state of the host, and may change it. It may call this library, except
+ *         that the volumes of the running call are out of its reach.
  */
-typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned int value);
+typedef int(Z3D_CALL* ProgressCallback)(size_t user, int code, unsigned int value);
 
 /*
  * Loads up to three raw channel files of the same stored size, fits them into a given diagonal, and makes one
@@ -376,8 +382,8 @@ typedef int(Z3D_CALL* ProgressCallback)(unsigned int user, int code, unsigned in
 Volume3D* Z3D_CALL GetRGBImage(const char* redFile, const char* greenFile, const char* blueFile, short width,
                                short height, short depth, int reserved1, int reserved2, int reserved3,
                                short is8bit, short maxDiagonal, float* outMax, float* outMin,
-                               float* rangeMaxOut, float* rangeMinOut, unsigned int user,
-                               ProgressCallback callback, int keepChannelsApart);
+                               float* rangeMaxOut, float* rangeMinOut, size_t user, ProgressCallback callback,
+                               int keepChannelsApart);
 
 /*
  * Sets the caption of the library's message boxes. Before the first call it is "Zentra3DRendering".
@@ -415,7 +421,7 @@ void Z3D_CALL CreateRotateMatrix(double* matrix, const AxisOrder* order, float a
  * R(X) * R(Y) * R(Z) of these two, as stored, and of a Z angle of the caller's.
  *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
  *                  come from.
- *   m02, m12, m22  the elements in rows 0, 1 and 2 of column 2: doubles by value, two slots each
+ *   m02, m12, m22  the elements in rows 0, 1 and 2 of column 2: doubles by value
  *   angleX         receives degrees, above -180 to 180: a half turn is 180
  *   angleY         receives degrees, -90 to 90. A positive one turns Z towards -X: m02 is minus its sine.
  *   angleZ         degrees, any; only the matrix depends on it
@@ -433,7 +439,7 @@ void Z3D_CALL GetAngleXY(double* matrix, double m02, double m12, double m22, flo
  * R(Z) * R(X) * R(Y) of these two, as stored, and of a Y angle of the caller's.
  *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
  *                  come from.
- *   m01, m11, m21  the elements in rows 0, 1 and 2 of column 1: doubles by value, two slots each
+ *   m01, m11, m21  the elements in rows 0, 1 and 2 of column 1: doubles by value
  *   angleX         receives degrees, -90 to 90; m21 is its sine
  *   angleZ         receives degrees, above -180 to 180: a half turn is 180
  *   angleY         degrees, any; only the matrix depends on it. A positive one turns Z towards -X.
@@ -451,7 +457,7 @@ void Z3D_CALL GetAngleZX(double* matrix, double m01, double m11, double m21, flo
  * R(Y) * R(Z) * R(X) of these two, as stored, and of an X angle of the caller's.
  *   matrix         receives 9 doubles, row by row; acts on columns. It may be the matrix that the elements
  *                  come from.
- *   m00, m10, m20  the elements in rows 0, 1 and 2 of column 0: doubles by value, two slots each
+ *   m00, m10, m20  the elements in rows 0, 1 and 2 of column 0: doubles by value
  *   angleY         receives degrees, above -180 to 180: a half turn is 180. A positive one turns
  *                  Z towards -X.
  *   angleZ         receives degrees, -90 to 90; m10 is its sine

@@ -1,6 +1,7 @@
 #include "ChannelFiles.h"
 
 #include <bit>
+#include <cstddef>
 
 #include "Clock.h"
 #include "Console.h"
@@ -67,7 +68,7 @@ private:
 };
 
 // Called by the library, which no exception may cross; a picture of the progress that fails is no reason to end.
-int Z3D_CALL OnProgress(unsigned int user, int code, unsigned int value) noexcept {
+int Z3D_CALL OnProgress(std::size_t user, int code, unsigned int value) noexcept {
     constexpr int kGoOn = 0;
     constexpr int kCancel = 200;
     try {

@@ -4,6 +4,7 @@
 #include "sdk/selftest/Pictures.h"
 
 #include <array>
+#include <cstddef>
 #include <cstring>
 #include <span>
 #include <string>
@@ -99,7 +100,7 @@ struct Progress {
     float reached;
 };
 
-int Z3D_CALL OnProgress(unsigned int user, int code, unsigned int value) {
+int Z3D_CALL OnProgress(std::size_t user, int code, unsigned int value) {
     auto& progress = *reinterpret_cast<Progress*>(user);
     if (code != ProgressCodePercent) return ProgressGoOn;
     progress.reached = std::bit_cast<float>(value);

@@ -5,6 +5,8 @@
 #include "frame/MessageTitle.h"
 #include "frame/Warning.h"
 
+#include <cstddef>
+
 using namespace z3d;
 using exports::HostCall;
 using exports::HostFloatingPoint;
@@ -16,7 +18,7 @@ namespace {
 // state that the host had.
 class CallingHost {
 public:
-    CallingHost(ProgressCallback callback, unsigned int user, platform::FloatingPointState& floatingPoint)
+    CallingHost(ProgressCallback callback, std::size_t user, platform::FloatingPointState& floatingPoint)
         : callback_(callback), user_(user), floatingPoint_(floatingPoint) {}
 
     frame::Host ForLibrary() { return {this, callback_ != nullptr ? Report : nullptr, Warn}; }
@@ -34,7 +36,7 @@ private:
     }
 
     ProgressCallback callback_;
-    unsigned int user_;
+    std::size_t user_;
     platform::FloatingPointState& floatingPoint_;
 };
 
@@ -49,7 +51,7 @@ Volume3D* GetImage(const compose::RgbImageRequest* request, const frame::Host* h
 Volume3D* Z3D_CALL GetRGBImage(const char* redFile, const char* greenFile, const char* blueFile, short width,
                                short height, short depth, int reserved1, int reserved2, int reserved3,
                                short is8bit, short maxDiagonal, float* outMax, float* outMin,
-                               float* rangeMaxOut, float* rangeMinOut, unsigned int user,
+                               float* rangeMaxOut, float* rangeMinOut, std::size_t user,
                                ProgressCallback callback, int keepChannelsApart) {
     // NOLINTEND(readability-non-const-parameter)
     static_cast<void>(reserved1);

@@ -17,7 +17,7 @@ FloatingPointEnvironment CurrentEnvironment() {
             static_cast<std::uint16_t>(x87[2]), mxcsr};
 }
 
-int Z3D_CALL LogCallback(unsigned int user, int code, unsigned int value) {
+int Z3D_CALL LogCallback(std::size_t user, int code, unsigned int value) {
     const FloatingPointEnvironment found = CurrentEnvironment();
     auto& log = *std::bit_cast<CallbackLog*>(user);
     log.environments.push_back(found);

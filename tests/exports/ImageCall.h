@@ -5,6 +5,7 @@
 
 #include "Zentra3DRendering.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -26,7 +27,7 @@ struct CallbackLog {
 };
 
 // Takes no floating-point instruction, so that any condition of the host is fine.
-int Z3D_CALL LogCallback(unsigned int user, int code, unsigned int value);
+int Z3D_CALL LogCallback(std::size_t user, int code, unsigned int value);
 
 // What the running thread's units hold.
 FloatingPointEnvironment CurrentEnvironment();

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdio>
 #include <limits>
 #include <vector>
@@ -29,7 +30,7 @@ void Release(float* pixels) {
 }
 
 // Cancels at the call that the user value counts down to.
-int Z3D_CALL CountDown(unsigned int user, int, unsigned int) {
+int Z3D_CALL CountDown(std::size_t user, int, unsigned int) {
     int& left = *reinterpret_cast<int*>(user);
     return left-- == 0 ? 200 : 0;
 }

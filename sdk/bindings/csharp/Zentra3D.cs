@@ -32,7 +32,7 @@ namespace Zentra3D
     }
 
     [UnmanagedFunctionPointer(CallingConvention.StdCall)]
-    public delegate int ProgressCallback(uint user, ProgressCode code, uint value);
+    public delegate int ProgressCallback(UIntPtr user, ProgressCode code, uint value);
 
     /// <summary>The functions of the DLL as its header declares them.</summary>
     public static class NativeMethods
@@ -74,7 +74,7 @@ namespace Zentra3D
         /// <summary>The names in the system's code page, zero-terminated.</summary>
         [DllImport(Dll)] public static extern IntPtr GetRGBImage(byte[] red, byte[] green, byte[] blue, short width,
             short height, short depth, int reserved1, int reserved2, int reserved3, short is8bit, short maxDiagonal,
-            out float outMax, out float outMin, IntPtr rangeMax, IntPtr rangeMin, uint user, ProgressCallback callback,
+            out float outMax, out float outMin, IntPtr rangeMax, IntPtr rangeMin, UIntPtr user, ProgressCallback callback,
             int keepChannelsApart);
         /// <returns>The library's own text: never a string, which would be freed.</returns>
         [DllImport(Dll)] public static extern IntPtr SetRenderMsgTitle(byte[] title);
@@ -235,7 +235,7 @@ namespace Zentra3D
             float high, low;
             var volume = new Volume(NativeMethods.GetRGBImage(red, green, blue, channels.Width, channels.Height,
                 channels.Depth, 0, 0, 0, (short)(channels.AreFloats ? 0 : 1), channels.MaxDiagonal, out high, out low,
-                IntPtr.Zero, IntPtr.Zero, 0, callback, channels.KeepApart ? 1 : 0));
+                IntPtr.Zero, IntPtr.Zero, UIntPtr.Zero, callback, channels.KeepApart ? 1 : 0));
             GC.KeepAlive(callback);
             if (!volume.IsInvalid && thrown == null)
             {

@@ -26,7 +26,7 @@ static void Print(const char* name, Volume3D* volume, short mode, float low, flo
     GlobalFree(GlobalHandle(pixels));
 }
 
-static int Z3D_CALL CancelAtHalf(unsigned int user, int code, unsigned int value) {
+static int Z3D_CALL CancelAtHalf(size_t user, int code, unsigned int value) {
     float percent;
     memcpy(&percent, &value, sizeof percent); /* the bits of a float */
     if (code != ProgressCodePercent || percent < 50) return 0;
