@@ -14,11 +14,13 @@
 #include "render/SkipPolicy.h"
 #include "support/HostVolume.h"
 #include "support/ProductRenderer.h"
+#include "support/RenderModes.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstring>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -77,7 +79,8 @@ std::array<float, 9> AnyMatrix(FuzzedDataProvider& input) {
 
 reference::Request AnyRequest(FuzzedDataProvider& input) {
     reference::Request request = {};
-    request.mode = input.ConsumeIntegralInRange<std::int16_t>(-1, 7);
+    request.mode =
+        input.ConsumeIntegralInRange<std::int16_t>(-1, static_cast<std::int16_t>(test::kRenderModeCount));
     request.rotation = AnyMatrix(input);
     request.high = 765;
     request.extraBits = std::bit_cast<std::uint32_t>(AnyFloat(input));
@@ -159,7 +162,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
         reference::Projection expected = reference::Render(volume, request);
         if (!isReadable) expected = {expected.width, expected.height, 0, false, {}};
-        const bool isMode = request.mode >= 0 && request.mode <= 6;
+        const bool isMode =
+            std::ranges::find(test::kRenderModes, request.mode) != std::end(test::kRenderModes);
         if (got.rendered || refused == kNever) Require(SameBits(expected, got));
         if (isMode) Require(host->sliceRows == nullptr);
         // A slice whose lock was refused keeps the table of rows that it has got until it is freed.
