@@ -196,7 +196,6 @@ SumRange Compose(const Map& map, const ChannelSamples<typename Map::Sample> (&ch
         std::memcpy(to + 3 * (count - rest), pixels, 3 * rest);
     }
     const SumRange range = sums.Range();
-    LeaveVectorCode();
     return range;
 }
 

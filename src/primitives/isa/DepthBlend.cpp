@@ -140,7 +140,6 @@ void BlendBytes(const ByteDepthWeights& weights, const std::uint8_t* a, const st
         BlendRegisters(weights, restA, restB, blended, 1);
         std::memcpy(to + (count - rest), blended, rest);
     }
-    LeaveVectorCode();
 }
 
 void BlendFloats(const DepthWeights& weights, const float* a, const float* b, float* to, std::size_t count) {
@@ -155,7 +154,6 @@ void BlendFloats(const DepthWeights& weights, const float* a, const float* b, fl
         _mm_storeu_ps(restA, blend.Four(_mm_loadu_ps(restA), _mm_loadu_ps(restB)));
         std::memcpy(to, restA, 4 * count);
     }
-    LeaveVectorCode();
 }
 
 } // namespace z3d::primitives::Z3D_ISA

@@ -23,7 +23,6 @@ ByteExtremes ExtremesOfBytes(const std::uint8_t* samples, std::size_t count) {
     std::uint8_t min[kRegisterBytes];
     Store(max, Z3D_MM(max_epu8)(max0, max1));
     Store(min, Z3D_MM(min_epu8)(min0, min1));
-    LeaveVectorCode();
 
     ByteExtremes extremes = {0, 255};
     const auto take = [&](std::uint8_t most, std::uint8_t least) {
@@ -57,7 +56,6 @@ FloatExtremes WidenByFloats(FloatExtremes extremes, const float* samples, std::s
     float min[kLanes];
     Z3D_MM(storeu_ps)(max, Z3D_MM(max_ps)(max1, max0));
     Z3D_MM(storeu_ps)(min, Z3D_MM(min_ps)(min1, min0));
-    LeaveVectorCode();
 
     // The lanes, and then the samples of the end, as further values.
     const auto take = [&](float most, float least) {

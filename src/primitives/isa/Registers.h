@@ -51,11 +51,4 @@ Z3D_INLINE bool AnySet(Integers value) {
 Z3D_INLINE Integers InOrder(Integers packed) { return packed; }
 #endif
 
-// Ends a stretch of wide vector code: without it, what follows runs several times slower on some processors.
-Z3D_INLINE void LeaveVectorCode() {
-#if defined(__AVX2__)
-    _mm256_zeroupper();
-#endif
-}
-
 } // namespace z3d::primitives::Z3D_ISA

@@ -47,7 +47,6 @@ void BlendByteRows(const std::int16_t* upper, const std::int16_t* lower, std::in
         Store(samples, blended(0));
         std::memcpy(to, samples, count);
     }
-    LeaveVectorCode();
 }
 
 void BlendFloatRows(const double* upper, const double* lower, double weight, std::uint8_t* to,
@@ -67,7 +66,6 @@ void BlendFloatRows(const double* upper, const double* lower, double weight, std
     } else {
         blend(0, count);
     }
-    LeaveVectorCode();
 }
 
 #if defined(__AVX2__)
@@ -86,7 +84,6 @@ void BlendByteColumns(const std::uint8_t* row, const ByteColumnGroup* groups, co
         const __m256i second = eight(groups[1], weights + x + 8);
         Store(to + x, InOrder(_mm256_packs_epi32(first, second)));
     }
-    LeaveVectorCode();
 }
 
 void BlendFloatColumns(const std::uint8_t* row, const FloatColumnGroup* groups, const double* fractions,
@@ -101,7 +98,6 @@ void BlendFloatColumns(const std::uint8_t* row, const FloatColumnGroup* groups, 
             _mm256_add_pd(a, _mm256_mul_pd(_mm256_sub_pd(b, a), _mm256_loadu_pd(fractions + x)));
         _mm256_storeu_pd(to + x, _mm256_cvtps_pd(_mm256_cvtpd_ps(blended)));
     }
-    LeaveVectorCode();
 }
 #endif
 
