@@ -10,6 +10,7 @@
 #include "Outputs.h"
 #include "Text.h"
 #include "VolumeFiles.h"
+#include "files/VolumeReader.h"
 
 namespace z3d::tools {
 
@@ -20,14 +21,15 @@ constexpr int kLongestDiagonal = 32767;
 constexpr char kHelp[] = R"(
 Channels
   A raw file holds slices of rows of samples, without a header: bytes, or 32-bit little-endian floats. Up to
-  three of the same size are given; - stands for a channel without samples. All are mapped through their
-  common range to 0..255. A file that is given again, in the same spelling, is loaded once; three times the
+  three of the same size are given; - stands for a channel without samples. zentra convert makes raw files of
+  other volumes. All channels are mapped through their common range to 0..255. A file that is given again, in the same spelling, is loaded once; three times the
   same one makes a grey volume, unless --separate is given.
 
 Size
   With --max-diagonal N a longer volume shrinks to a diagonal of N voxels, in plane and in depth.
 
 Examples
+  zentra convert t1.nii.gz -o t1.raw
   zentra colour head.raw brain.raw regions.raw --size 181x217x181 --type uint8 -o head.nhdr
   zentra colour t1.raw - t2.raw --size 256x256x124 --type float32 --max-diagonal 200 -o both.nhdr
   zentra colour t1.raw t1.raw t1.raw --size 256x256x124 --type float32 -o grey.nhdr
@@ -45,9 +47,17 @@ struct Options {
 };
 
 SampleType ParseSampleType(std::string_view text) {
-    if (text == "uint8") return SampleType::Uint8;
-    if (text == "float32") return SampleType::Float32;
+    const std::string lower = LowerCase(text);
+    if (lower == "uint8") return SampleType::Uint8;
+    if (lower == "float32") return SampleType::Float32;
     throw BadArgument("'" + std::string(text) + "' is neither uint8 nor float32");
+}
+
+// Such a file may well be long enough; its header and packed samples would be taken for voxels.
+void RefuseHeader(const std::filesystem::path& path) {
+    if (files::DescribesItself(path))
+        throw Failure("channels are raw files, and " + Shown(path)
+                      + " has a header: zentra convert makes a raw file of it");
 }
 
 ChannelRequest RequestOf(const Options& options) {
@@ -57,6 +67,7 @@ ChannelRequest RequestOf(const Options& options) {
     for (size_t i = 0; i < 3; ++i) {
         if (options.channels[i].empty() || options.channels[i] == "-") continue;
         request.files[i] = PathOf(options.channels[i]);
+        RefuseHeader(request.files[i]);
         any = true;
     }
     if (!any) throw BadArgument("no channel has a file");

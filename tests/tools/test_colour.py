@@ -75,6 +75,10 @@ class Colour(ColourTest):
         self.assertIn("sizes: 3 11 11 11\n", self.read("v.nhdr").decode())
         self.assertEqual(len(self.read("v.raw")), 3 * 11 ** 3)
 
+    def test_capitals_are_as_good(self):
+        self.colour(*self.three_channels(), "--size", "2X2X2", "--type", "UINT8", *OUT)
+        self.assertEqual(len(self.read("v.raw")), 24)
+
     def test_raw_voxels_alone(self):
         self.colour(*self.three_channels(), *BYTES, "-o", "v.raw")
         self.assertEqual(self.names("v*"), ["v.raw"])
@@ -110,6 +114,11 @@ class Refusals(ColourTest):
         self.write("Köpfe.raw", [9] * 8)
         self.colour("Köpfe.raw", *BYTES, "-o", "頭.raw")
         self.assertEqual(len(self.read("頭.raw")), 24)
+
+    def test_a_file_with_a_header(self):
+        self.write("a.nrrd", [0] * 100)
+        sentence = "channels are raw files, and a.nrrd has a header: zentra convert makes a raw file of it"
+        self.refuse(1, sentence, self.write("a.raw", [0] * 8), "a.nrrd", *BYTES, *OUT)
 
     def test_no_channel_at_all(self):
         self.refuse(2, "no channel has a file", "-", "-", *BYTES, *OUT)
