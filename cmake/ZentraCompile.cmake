@@ -54,11 +54,13 @@ function(zentra_test_code target)
   target_compile_options(${target} PRIVATE -O0)
 endfunction()
 
-# What runs inside a host: no exceptions, no run-time types, unused functions dropped at link time.
+# What runs inside a host: no exceptions, no run-time types, unused functions dropped at link time, and unwind data only
+# where the toolchain says that the platform asks for it.
 function(zentra_library_code target)
   zentra_warnings(${target})
   target_compile_options(${target} PRIVATE
-    $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics -fno-asynchronous-unwind-tables>
+    $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
+    $<$<COMPILE_LANGUAGE:CXX>:$<IF:$<BOOL:${ZENTRA_UNWIND_TABLES}>,-fasynchronous-unwind-tables,-fno-asynchronous-unwind-tables>>
     $<$<BOOL:${WIN32}>:-g> -ffunction-sections -fdata-sections -fvisibility=hidden)
   target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/src ${PROJECT_SOURCE_DIR}/include)
 endfunction()

@@ -11,6 +11,7 @@ endif()
 set(hold ${PROJECT_SOURCE_DIR}/cmake/wine-hold)
 add_test(NAME wine_up COMMAND ${hold} up)
 add_test(NAME wine_down COMMAND ${hold} down)
+set_tests_properties(wine_up wine_down PROPERTIES ENVIRONMENT ZENTRA_WINEARCH=win${ZENTRA_BITS})
 set_tests_properties(wine_up PROPERTIES FIXTURES_SETUP wine)
 set_tests_properties(wine_down PROPERTIES FIXTURES_CLEANUP wine)
 

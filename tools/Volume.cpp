@@ -19,7 +19,7 @@ Failure TooLarge(const files::Fitted& volume) {
                                      volume.size.depth, Grouped(volume.ByteCount()).c_str());
     const std::string why = volume.ByteCount() > kMostBytes
                                 ? ", more than a 32-bit process can have"
-                                : ", more memory than there is left for this 32-bit process";
+                                : ", more memory than there is left for this process";
     return Failure(needs + why);
 }
 

@@ -2,6 +2,8 @@
 
 #include "platform/Refusal.h"
 
+#include <algorithm>
+
 #include <windows.h>
 
 namespace z3d::platform {
@@ -30,11 +32,17 @@ File::~File() {
 bool File::IsOpen() const { return HandleFrom(handle_) != INVALID_HANDLE_VALUE; }
 
 std::size_t File::Read(void* to, std::size_t bytes) {
-    static_assert(sizeof(std::size_t) == sizeof(DWORD), "one call of the system takes any count");
     if (!IsOpen() || IsRefused(Resource::FileRead)) return 0;
-    DWORD got = 0;
-    if (!ReadFile(HandleFrom(handle_), to, static_cast<DWORD>(bytes), &got, nullptr)) return 0;
-    return got;
+    // One call of the system takes 32 bits of a count.
+    std::size_t read = 0;
+    while (read < bytes) {
+        const auto piece = static_cast<DWORD>(std::min<std::size_t>(bytes - read, MAXDWORD));
+        DWORD got = 0;
+        if (!ReadFile(HandleFrom(handle_), static_cast<char*>(to) + read, piece, &got, nullptr)) break;
+        read += got;
+        if (got < piece) break;
+    }
+    return read;
 }
 
 } // namespace z3d::platform

@@ -37,7 +37,7 @@ TEST(ExportList, EveryExportTakesNothingButNullsInAnyHostCondition) {
         for (const ExportedName& exported : ExportedNames()) {
             if (std::string(exported.name).starts_with("GlobalAlloc"))
                 continue; // would give something to free
-            host.CallWithSlots(exported.name, std::vector<std::uint32_t>(exported.argumentBytes / 4));
+            host.CallWithSlots(exported.name, std::vector<Slot>(exported.argumentBytes / 4));
             ASSERT_FALSE(HasFailure()) << Describe(condition);
         }
     }

@@ -1,9 +1,13 @@
-// Calls a function as a host in any condition may: raw 32-bit argument slots, a stack that is aligned to 4
-// bytes only, any floating-point environment. Reports everything that such a host could notice afterwards.
+// Calls a function as a host in any condition may: raw argument slots, a stack that is aligned to 4 bytes only where
+// that is allowed, any floating-point environment. Reports everything that such a host could notice afterwards.
 #pragma once
 
+#include <bit>
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
 #include <span>
+#include <vector>
 
 namespace z3d::test {
 
@@ -17,19 +21,54 @@ struct FloatingPointEnvironment {
     bool operator==(const FloatingPointEnvironment&) const = default;
 };
 
+// As wide as an address. A double takes two slots of 32 bits, or one of 64.
+using Slot = std::uintptr_t;
+
+// What a callee must not look at, above an argument that is narrower than its slot.
+inline constexpr Slot kAboveArguments = sizeof(Slot) == 4 ? 0 : static_cast<Slot>(0xDEADBEEF'00000000);
+
+template <std::integral Integer>
+void Push(std::vector<Slot>& slots, Integer value) {
+    slots.push_back(sizeof(Integer) > 4 ? static_cast<Slot>(value)
+                                        : kAboveArguments | static_cast<std::uint32_t>(value));
+}
+inline void Push(std::vector<Slot>& slots, std::nullptr_t) { slots.push_back(0); }
+inline void Push(std::vector<Slot>& slots, const void* pointer) {
+    slots.push_back(std::bit_cast<Slot>(pointer));
+}
+inline void Push(std::vector<Slot>& slots, float value) { Push(slots, std::bit_cast<std::uint32_t>(value)); }
+inline void Push(std::vector<Slot>& slots, double value) {
+    const auto bits = std::bit_cast<std::uint64_t>(value);
+    slots.push_back(static_cast<Slot>(bits));
+    if (sizeof(Slot) == 4) slots.push_back(static_cast<Slot>(bits >> 32));
+}
+
+template <class... Arguments>
+std::vector<Slot> SlotsOf(Arguments... arguments) {
+    std::vector<Slot> slots;
+    (Push(slots, arguments), ...);
+    return slots;
+}
+
+// What is missing to a multiple of 16 of the stack pointer at a call: all that a host may have.
+std::span<const unsigned> Misalignments();
+
+// Bytes of the stack that a callee takes away with its arguments: all of stdcall's, none on x64.
+std::size_t BytesToPop(std::size_t slotCount);
+
 struct CallOutcome {
-    std::uint32_t result;           // the EAX register
-    std::uint32_t bytesPopped;      // by the callee, beyond its return address
-    bool keptRegisters;             // EBX, ESI, EDI and EBP came back as they were
+    Slot result;                    // the EAX or RAX register
+    std::size_t bytesPopped;        // by the callee, beyond its return address
+    bool keptRegisters;             // all that the convention has the callee keep came back as they were
     FloatingPointEnvironment after; // right after the return, before any other instruction
     int exceptionsRaised;           // those that a debugger or a vectored handler would have seen
 };
 
-// Calls an stdcall function. `misalignment` is 0, 4, 8 or 12: what is missing to a multiple of 16 of the stack
-// pointer at the call instruction. All eight x87 registers hold a number that the tags may declare valid.
-// Returns in the program's own environment whatever the callee did, also to the stack pointer. Raised
-// floating-point exceptions are counted, masked and resumed; all others end the program.
-CallOutcome CallForeign(const void* function, std::span<const std::uint32_t> slots, unsigned misalignment,
+// Calls a function by the platform's convention. `misalignment` is one of Misalignments(). All eight x87 registers
+// hold a number that the tags may declare valid. Returns in the program's own environment whatever the callee did,
+// also to the stack pointer. Raised floating-point exceptions are counted, masked and resumed; all others end the
+// program.
+CallOutcome CallForeign(const void* function, std::span<const Slot> slots, unsigned misalignment,
                         const FloatingPointEnvironment& before);
 
 // Exceptions raised so far in this program, inside foreign calls or not.

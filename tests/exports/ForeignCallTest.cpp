@@ -1,5 +1,5 @@
 // The checks that the other tests rest on can fail: functions that misbehave are found out.
-#include "exports/ForeignCall.h"
+#include "exports/ForeignCallMachine.h"
 
 #include "exports/ForeignHost.h"
 
@@ -9,7 +9,6 @@ namespace {
 
 using namespace z3d::test;
 
-[[gnu::used]] std::uint32_t stackAtEntry asm("z3dStackAtEntry") = 0;
 volatile double zero = 0;
 volatile float sink = 0;
 
@@ -27,38 +26,33 @@ void __stdcall DivideByZeroOnX87() {
     asm volatile("fld1\n\tfdivl %0\n\tfwait\n\tfstp %%st(0)" : : "m"(zero));
 }
 
-[[gnu::naked]] void NoteStack() { asm("movl %esp, z3dStackAtEntry\n\tret"); }
-
 template <class Function>
 const void* Pointer(Function* function) {
     return reinterpret_cast<const void*>(function);
 }
 
 TEST(ForeignCall, PassesSlotsInOrderAndReturnsTheResult) {
-    const std::uint32_t slots[] = {3, 5};
+    const CallOutcome outcome = CallForeign(Pointer(&Add), SlotsOf(3, 5), 0, {});
 
-    const CallOutcome outcome = CallForeign(Pointer(&Add), slots, 0, {});
-
-    EXPECT_EQ(outcome.result, 13u);
-    EXPECT_EQ(outcome.bytesPopped, 8u);
+    EXPECT_EQ(static_cast<std::uint32_t>(outcome.result), 13u);
+    EXPECT_EQ(outcome.bytesPopped, BytesToPop(2));
     EXPECT_TRUE(outcome.keptRegisters);
     EXPECT_EQ(outcome.exceptionsRaised, 0);
     EXPECT_EQ(outcome.after, FloatingPointEnvironment{});
 }
 
 TEST(ForeignCall, SurvivesAndReportsAWrongNumberOfSlots) {
-    const std::uint32_t slots[] = {1, 2, 3};
-
-    EXPECT_EQ(CallForeign(Pointer(&Add), slots, 0, {}).bytesPopped, 8u);
+    EXPECT_EQ(CallForeign(Pointer(&Add), SlotsOf(1, 2, 3), 0, {}).bytesPopped, BytesToPop(2));
 }
 
 TEST(ForeignCall, MisalignsTheStack) {
-    for (const unsigned misalignment : {0u, 4u, 8u, 12u}) {
+    for (const unsigned misalignment : Misalignments()) {
         for (const std::size_t count : {0u, 1u, 2u, 3u, 15u}) {
-            const std::vector<std::uint32_t> slots(count);
-            CallForeign(Pointer(&NoteStack), slots, misalignment, {});
+            const std::vector<Slot> slots(count);
+            CallForeign(Pointer(&Z3dNoteStack), slots, misalignment, {});
 
-            EXPECT_EQ((stackAtEntry + 4 + misalignment) % 16, 0u) << count << " slots, " << misalignment;
+            EXPECT_EQ((Z3dStackAtEntry + sizeof(Slot) + misalignment) % 16, 0u)
+                << count << " slots, " << misalignment;
         }
     }
 }
@@ -66,7 +60,7 @@ TEST(ForeignCall, MisalignsTheStack) {
 TEST(ForeignCall, DeliversEveryConditionToTheCallee) {
     for (const HostCondition& condition : AllConditions()) {
         const FloatingPointEnvironment& wanted = condition.floatingPoint;
-        const CallOutcome outcome = CallForeign(Pointer(&NoteStack), {}, condition.misalignment, wanted);
+        const CallOutcome outcome = CallForeign(Pointer(&Z3dNoteStack), {}, condition.misalignment, wanted);
 
         ASSERT_EQ(outcome.after.x87Control & 0x1F3F, wanted.x87Control & 0x1F3F) << Describe(condition);
         ASSERT_EQ(outcome.after.x87Status & 0x7F3F, wanted.x87Status) << Describe(condition);

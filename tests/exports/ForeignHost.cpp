@@ -49,7 +49,7 @@ constexpr std::uint32_t kSseStates[] = {
 
 std::vector<HostCondition> MakeConditions() {
     std::vector<HostCondition> conditions;
-    for (const unsigned misalignment : {0u, 4u, 8u, 12u}) {
+    for (const unsigned misalignment : Misalignments()) {
         for (const X87State& x87 : kX87States) {
             for (const std::uint32_t mxcsr : kSseStates)
                 conditions.push_back({misalignment, {x87.control, x87.status, x87.tags, mxcsr}});
@@ -84,7 +84,7 @@ ForeignHost::ForeignHost(const HostCondition& condition)
                             condition.floatingPoint)
                     .after) {}
 
-std::uint32_t ForeignHost::CallWithSlots(const char* name, const std::vector<std::uint32_t>& slots) {
+Slot ForeignHost::CallWithSlots(const char* name, const std::vector<Slot>& slots) {
     const void* function = AddressOf(name);
     if (function == nullptr) {
         ADD_FAILURE() << "no export " << name;
@@ -93,7 +93,7 @@ std::uint32_t ForeignHost::CallWithSlots(const char* name, const std::vector<std
     const CallOutcome outcome =
         CallForeign(function, slots, condition_.misalignment, condition_.floatingPoint);
 
-    EXPECT_EQ(outcome.bytesPopped, slots.size() * 4) << name;
+    EXPECT_EQ(outcome.bytesPopped, BytesToPop(slots.size())) << name;
     EXPECT_TRUE(outcome.keptRegisters) << name;
     EXPECT_EQ(outcome.exceptionsRaised, 0) << name;
     EXPECT_TRUE(outcome.after == expected_)

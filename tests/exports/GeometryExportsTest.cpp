@@ -45,33 +45,18 @@ Angles AnglesOf(Extract extract, const Matrix& matrix) {
 
 bool SameBytes(const Matrix& a, const Matrix& b) { return std::memcmp(a.data(), b.data(), sizeof a) == 0; }
 
-std::uint32_t LowWord(double value) {
-    return static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(value));
-}
-
-std::uint32_t HighWord(double value) {
-    return static_cast<std::uint32_t>(std::bit_cast<std::uint64_t>(value) >> 32);
-}
-
-template <class Pointer>
-std::uint32_t Slot(Pointer* pointer) {
-    return std::bit_cast<std::uint32_t>(pointer);
-}
-
 struct TwoAngles {
     Matrix rebuilt;
     float first;
     float second;
 };
 
-// Passes a column's elements as raw slots, from its row 0 on, low word first.
+// Passes a column's elements as raw slots, from its row 0 on.
 TwoAngles CallWithDoubles(const char* name, const std::array<double, 3>& column, float thirdAngle) {
     TwoAngles result = {};
     ForeignHost(kPlainHost)
-        .CallWithSlots(name,
-                       {Slot(&result.rebuilt), LowWord(column[0]), HighWord(column[0]), LowWord(column[1]),
-                        HighWord(column[1]), LowWord(column[2]), HighWord(column[2]), Slot(&result.first),
-                        Slot(&result.second), std::bit_cast<std::uint32_t>(thirdAngle)});
+        .Call(name, &result.rebuilt, column[0], column[1], column[2], &result.first, &result.second,
+              thirdAngle);
     return result;
 }
 
@@ -272,36 +257,37 @@ TEST(GeometryExports, UpperHalfOfRoundUpIsIgnored) {
 }
 
 // One null among valid pointers, at each place: nothing is written anywhere.
-void ExpectNoEffectOfANullIn(const char* name, const std::vector<std::uint32_t>& slots,
-                             const std::vector<std::size_t>& pointers, const std::vector<float>& outputs) {
-    for (const std::size_t place : pointers) {
-        std::vector<std::uint32_t> withNull = slots;
-        withNull[place] = 0;
+void ExpectNoEffectOfANullIn(const char* name, const std::vector<Slot>& slots,
+                             const std::vector<const void*>& pointers, const std::vector<float>& outputs) {
+    for (const void* pointer : pointers) {
+        std::vector<Slot> withNull = slots;
+        std::replace(withNull.begin(), withNull.end(), std::bit_cast<Slot>(pointer), Slot{0});
 
         ForeignHost(kPlainHost).CallWithSlots(name, withNull);
 
         EXPECT_EQ(std::count(outputs.begin(), outputs.end(), kUntouched),
                   static_cast<std::ptrdiff_t>(outputs.size()))
-            << name << ", slot " << place;
+            << name << " without " << pointer;
     }
 }
 
 // A matrix counts as 18 floats here.
 TEST(GeometryExports, NullsOfTheAngleFunctionsHaveNoEffect) {
     std::vector<float> outputs(21, kUntouched);
-    const std::uint32_t matrix = Slot(&outputs[0]);
-    const std::uint32_t angles[] = {Slot(&outputs[18]), Slot(&outputs[19]), Slot(&outputs[20])};
-    const Matrix source = Rotate(kXYZ, 30, 40, 50);
+    const float* matrix = &outputs[0];
+    const float* x = &outputs[18];
+    const float* y = &outputs[19];
+    const float* z = &outputs[20];
+    const Matrix rotation = Rotate(kXYZ, 30, 40, 50);
+    const double* source = rotation.data();
 
-    ExpectNoEffectOfANullIn("CreateRotateMatrix", {matrix, Slot(&kXYZ), 0, 0, 0}, {0, 1}, outputs);
+    ExpectNoEffectOfANullIn("CreateRotateMatrix", SlotsOf(matrix, &kXYZ, 0.0f, 0.0f, 0.0f), {matrix, &kXYZ},
+                            outputs);
     for (const char* name : {"GetAngleXY", "GetAngleZX", "GetAngleYZ"})
-        ExpectNoEffectOfANullIn(name, {matrix, 0, 0, 0, 0, 0, 0, angles[0], angles[1], 0}, {0, 7, 8},
-                                outputs);
+        ExpectNoEffectOfANullIn(name, SlotsOf(matrix, 0.0, 0.0, 0.0, x, y, 0.0f), {matrix, x, y}, outputs);
     for (const char* name : {"GetAngleXYZ", "GetAngleZXY", "GetAngleYZX"})
-        ExpectNoEffectOfANullIn(name, {Slot(&source), angles[0], angles[1], angles[2]}, {0, 1, 2, 3},
-                                outputs);
-    ExpectNoEffectOfANullIn("ChangeOrder", {Slot(&kXYZ), Slot(&kZXY), angles[0], angles[1], angles[2]},
-                            {0, 1, 2, 3, 4}, outputs);
+        ExpectNoEffectOfANullIn(name, SlotsOf(source, x, y, z), {source, x, y, z}, outputs);
+    ExpectNoEffectOfANullIn("ChangeOrder", SlotsOf(&kXYZ, &kZXY, x, y, z), {&kXYZ, &kZXY, x, y, z}, outputs);
 }
 
 TEST(GeometryExports, ANullTableGivesZero) { EXPECT_EQ(TheLibrary().AdjustGamma(nullptr, 10.25f), 0); }

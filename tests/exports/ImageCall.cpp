@@ -26,16 +26,19 @@ int Z3D_CALL LogCallback(std::size_t user, int code, unsigned int value) {
     return static_cast<int>(log.calls.size()) - 1 == log.cancelAt ? log.cancelResult : 0;
 }
 
-std::vector<std::uint32_t> ImageCall::Slots() {
-    const auto bits = [](const void* pointer) { return std::bit_cast<std::uint32_t>(pointer); };
+std::vector<Slot> ImageCall::Slots() {
+    const void* user = log;
     const auto* callback = log != nullptr ? reinterpret_cast<const void*>(&LogCallback) : nullptr;
-    return {bits(red),     bits(green),     bits(blue),      width,     height,         depth,
-            0xDEADBEEF,    0xFFFFFFFF,      0x80000001,      is8bit,    maxDiagonal,    bits(&outMax),
-            bits(&outMin), bits(&rangeMax), bits(&rangeMin), bits(log), bits(callback), keepChannelsApart};
+    return SlotsOf(red, green, blue, width, height, depth, 0xDEADBEEF, 0xFFFFFFFF, 0x80000001, is8bit,
+                   maxDiagonal, &outMax, &outMin, &rangeMax, &rangeMin, user, callback, keepChannelsApart);
 }
 
 Volume3D* ImageCall::Run() {
     return std::bit_cast<Volume3D*>(ForeignHost(kPlainHost).CallWithSlots("GetRGBImage", Slots()));
+}
+
+Volume3D* ImageCall::RunUnwatched() {
+    return std::bit_cast<Volume3D*>(CallForeign(AddressOf("GetRGBImage"), Slots(), 0, {}).result);
 }
 
 std::vector<unsigned char> BytesOf(Volume3D* volume) {

@@ -50,11 +50,14 @@ struct ImageCall {
     float rangeMax = 0;
     float rangeMin = 0;
 
-    // The 18 slots, with all outputs wanted.
-    std::vector<std::uint32_t> Slots();
+    // Of all 18 arguments, with all outputs wanted.
+    std::vector<Slot> Slots();
 
     // Calls from a plain host. The volume is the caller's.
     Volume3D* Run();
+
+    // The same without a look at the host's condition afterwards: the system's code behind a message box may raise flags.
+    Volume3D* RunUnwatched();
 };
 
 // The bytes of all slices, one after another.

@@ -37,8 +37,7 @@ protected:
 
 // Loads in the given condition and checks that the host finds itself unchanged.
 HMODULE LoadIn(const HostCondition& condition, const char* path) {
-    const std::array slots = {std::bit_cast<std::uint32_t>(path)};
-    const CallOutcome outcome = CallForeign(reinterpret_cast<const void*>(&LoadLibraryA), slots,
+    const CallOutcome outcome = CallForeign(reinterpret_cast<const void*>(&LoadLibraryA), SlotsOf(path),
                                             condition.misalignment, condition.floatingPoint);
     EXPECT_EQ(outcome.after, condition.floatingPoint) << Describe(condition);
     return std::bit_cast<HMODULE>(outcome.result);
@@ -93,8 +92,7 @@ TEST_F(Load, TwoCopiesWorkBesideEachOther) {
     const auto* make = reinterpret_cast<const void*>(GetProcAddress(module, "GlobalAlloc3D"));
     const auto* free = reinterpret_cast<const void*>(GetProcAddress(module, "Free3DData"));
 
-    const std::array<std::uint32_t, 4> size = {4, 3, 2, 1};
-    const std::array volume = {CallForeign(make, size, 0, {}).result};
+    const std::array volume = {CallForeign(make, SlotsOf(4, 3, 2, 1), 0, {}).result};
     EXPECT_NE(volume[0], 0u);
     CallForeign(free, volume, 0, {});
 

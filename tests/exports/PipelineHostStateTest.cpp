@@ -88,8 +88,8 @@ TEST(PipelineHostState, IsTheHostsWhileAMessageBoxIsOpen) {
     ImageCall call = {.red = "no such file"};
     CallOutcome outcome;
 
-    const ShownBox box =
-        BoxShownBy([&] { outcome = CallForeign(AddressOf("GetRGBImage"), call.Slots(), 4, host); });
+    const ShownBox box = BoxShownBy(
+        [&] { outcome = CallForeign(AddressOf("GetRGBImage"), call.Slots(), Misalignments().back(), host); });
     UnhookWindowsHookEx(hook);
 
     EXPECT_EQ(box.text, "Cannot open file");

@@ -19,7 +19,6 @@ using namespace z3d::test;
 
 using Calls = std::vector<CallbackCall>;
 
-constexpr CallbackCall kStart = {101, 0};
 constexpr CallbackCall kNoResult = {0, 0x42C80000};
 
 // A DLL of its own, with a title that nobody has set yet.
@@ -73,25 +72,11 @@ TEST(PipelineMessages, SayThatAFileCannotBeOpenedUnderTheHostsTitle) {
     ImageCall call = {.red = "no such file", .log = &log};
     Volume3D* volume = nullptr;
 
-    const ShownBox box = BoxShownBy([&] { volume = call.Run(); });
+    const ShownBox box = BoxShownBy([&] { volume = call.RunUnwatched(); });
 
     EXPECT_EQ(box, (ShownBox{"The host's title", "Cannot open file", 0x30}));
     EXPECT_EQ(volume, nullptr);
     EXPECT_EQ(log.calls, Calls{kNoResult});
-}
-
-TEST(PipelineMessages, SayThatMemoryIsShort) {
-    TheLibrary().SetRenderMsgTitle("Another title");
-    const TemporaryFile file(std::vector<std::uint8_t>{1});
-    CallbackLog log;
-    ImageCall call = {.red = file.Name(), .width = 32767, .height = 32767, .is8bit = 0, .log = &log};
-    const HeapUse before = MeasureHeaps();
-
-    const ShownBox box = BoxShownBy([&] { EXPECT_EQ(call.Run(), nullptr); });
-
-    EXPECT_EQ(box, (ShownBox{"Another title", "Out of memmory", 0x30}));
-    EXPECT_EQ(log.calls, (Calls{kStart, kNoResult}));
-    EXPECT_LT(MeasureHeaps().bytes, before.bytes + 1000000);
 }
 
 TEST(PipelineMessages, AreNotShownForACancelOrForSizesBelowOne) {
@@ -116,7 +101,7 @@ TEST(PipelineMessages, CanBeKeptAwayByAHookOfTheHosts) {
     const HHOOK hook = SetWindowsHookExW(WH_CBT, RefuseWindows, nullptr, GetCurrentThreadId());
     ASSERT_NE(hook, nullptr);
 
-    EXPECT_EQ(call.Run(), nullptr) << "nobody is here to press OK";
+    EXPECT_EQ(call.RunUnwatched(), nullptr) << "nobody is here to press OK";
 
     UnhookWindowsHookEx(hook);
     EXPECT_EQ(log.calls, Calls{kNoResult});

@@ -19,7 +19,7 @@ void MakeAndFreeAnImage(ForeignHost& host, Findings& findings) {
     ASSERT_NE(rows, nullptr);
     findings.Add(rows[2] - rows[0]);
     findings.AddBytes(rows[0], 5 * 3 * 4);
-    findings.Add(host.Call("GlobalLock2D", image) == std::bit_cast<std::uint32_t>(rows));
+    findings.Add(host.CallForPointer<unsigned char*>("GlobalLock2D", image) == rows);
     findings.Add(host.Call("GlobalUnlock2D", image));
     findings.Add(host.Call("GlobalUnlock2D", image));
     host.Call("GlobalFree2D", image);
@@ -34,7 +34,7 @@ void MakeAndFreeVolumes(ForeignHost& host, Findings& findings) {
     findings.Add(host.Call("GlobalUnlock3D", volume));
     findings.Add(host.Call("GlobalUnlock3D", volume));
     host.Call("GlobalFree3D", volume);
-    host.Call("Free3DData", host.Call("GlobalAlloc3D", 4, 3, 2, 0));
+    host.Call("Free3DData", host.CallForPointer<Volume3D>("GlobalAlloc3D", 4, 3, 2, 0));
 }
 
 void AskForSizes(ForeignHost& host, Findings& findings) {

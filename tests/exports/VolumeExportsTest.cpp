@@ -147,14 +147,4 @@ TEST(VolumeExports, TakeNull) {
     TheLibrary().Free3DData(nullptr);
 }
 
-TEST(VolumeExports, GiveNullWhenMemoryIsShort) {
-    EXPECT_EQ(TheLibrary().GlobalAlloc3D(8192, 8192, 100, 4), nullptr);
-    EXPECT_EQ(TheLibrary().GlobalAlloc3D(65535, 65535, 1, 1), nullptr);
-
-    // What was made of the first volume is there again.
-    Volume3D* volume = TheLibrary().GlobalAlloc3D(8192, 8192, 3, 4);
-    EXPECT_NE(volume, nullptr);
-    TheLibrary().GlobalFree3D(volume);
-}
-
 } // namespace

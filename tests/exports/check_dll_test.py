@@ -1,25 +1,25 @@
 #!/usr/bin/env python3
 """check_dll.py complains about a DLL that was tampered with, once per fault.
 
-Usage: check_dll_test.py DLL DEFINITION VERSION SYMBOLS NM
+Usage: check_dll_test.py DLL DEFINITION VERSION BITS SYMBOLS NM
 """
 
 import sys
 import unittest
 
-from check_dll import complaints, export_names, largest_symbols
-from pefile import DIRECTORY_ENTRY, PE
+from check_dll import complaints, export_names, largest_symbols, read_dll
+from pefile import DIRECTORY_ENTRY
 
-DLL, DEFINITION, VERSION, SYMBOLS, NM = "", "", "", "", ""
+DLL, DEFINITION, VERSION, BITS, SYMBOLS, NM = "", "", "", 0, "", ""
 
 
 class CheckDll(unittest.TestCase):
     def setUp(self):
-        self.pe = PE(data=DLL)
+        self.pe = read_dll(DLL)
         self.data = DLL
 
     def complaints(self, definition=None, version=None, max_bytes=1 << 30):
-        return complaints(self.data, definition or DEFINITION, version or VERSION, max_bytes)
+        return complaints(self.data, definition or DEFINITION, version or VERSION, BITS, max_bytes)
 
     def expect_one(self, text, **arguments):
         found = self.complaints(**arguments)
@@ -55,7 +55,8 @@ class CheckDll(unittest.TestCase):
 
     def test_header_flags(self):
         flags = self.pe.OPTIONAL_HEADER.DllCharacteristics
-        for bit, name in ((0x40, "DYNAMIC_BASE"), (0x100, "NX_COMPAT")):
+        bits = [(0x40, "DYNAMIC_BASE"), (0x100, "NX_COMPAT")] + ([(0x20, "HIGH_ENTROPY_VA")] if BITS == 64 else [])
+        for bit, name in bits:
             self.pe.OPTIONAL_HEADER.DllCharacteristics = flags & ~bit
             self.data = self.pe.write()
             self.expect_one(name)
@@ -97,9 +98,16 @@ class CheckDll(unittest.TestCase):
         self.assertTrue(any("z3d::render::" in name for _, name in symbols), symbols)
 
     def test_another_machine(self):
-        self.pe.FILE_HEADER.Machine = 0x8664
+        self.pe.FILE_HEADER.Machine = 0x1C4
         self.data = self.pe.write()
-        self.expect_one("not a 32-bit")
+        self.assertIn(f"not a {BITS}-bit", self.complaints()[0])
+
+    def test_no_unwind_data(self):
+        if BITS == 64:
+            self.clear_directory("EXCEPTION")
+            found = self.complaints()
+            self.assertEqual(len(found), len(export_names(self.pe)))
+            self.assertIn("has no unwind data", found[0])
 
     def test_no_exports_at_all(self):
         self.clear_directory("EXPORT")
@@ -109,6 +117,7 @@ class CheckDll(unittest.TestCase):
 if __name__ == "__main__":
     NM = sys.argv.pop()
     SYMBOLS = sys.argv.pop()
+    BITS = int(sys.argv.pop())
     VERSION = sys.argv.pop()
     with open(sys.argv.pop(), encoding="ascii") as file:
         DEFINITION = file.read()

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Builds the DLL from a copy of the sources in another folder and compares it byte by byte with the one at hand.
 
-Usage: check_reproducible.py CMAKE SOURCE_FOLDER DLL SCRATCH_FOLDER BUILD_TYPE
+Usage: check_reproducible.py CMAKE SOURCE_FOLDER DLL SCRATCH_FOLDER BUILD_TYPE TOOLCHAIN_FILE
 The second build differs in the paths of sources and build folder (their lengths, a space, where one is relative
 to the other), in locale, time zone and time.
 """
@@ -19,10 +19,10 @@ def copy_sources(source, target):
                     if os.path.samefile(folder, source) else set())
 
 
-def build(cmake, source, build_folder, build_type):
+def build(cmake, source, build_folder, build_type, toolchain_name):
     """The path of the built DLL."""
     settings = {**os.environ, "TZ": "Asia/Tokyo", "LC_ALL": "C.UTF-8"}
-    toolchain = os.path.join(source, "cmake", "Win32Toolchain.cmake")
+    toolchain = os.path.join(source, "cmake", toolchain_name)
     for command in ([cmake, "-S", source, "-B", build_folder, "-G", "Ninja", "--toolchain", toolchain,
                      f"-DCMAKE_BUILD_TYPE={build_type}"],
                     [cmake, "--build", build_folder, "--target", "Zentra3DRendering"]):
@@ -49,11 +49,11 @@ def describe_difference(first, second):
 
 
 def main():
-    cmake, source, dll, scratch, build_type = sys.argv[1:]
+    cmake, source, dll, scratch, build_type, toolchain = sys.argv[1:]
     copy = os.path.join(scratch, "a copy of the sources")
     shutil.rmtree(scratch, ignore_errors=True)
     copy_sources(source, copy)
-    rebuilt = build(cmake, copy, os.path.join(scratch, "elsewhere"), build_type)
+    rebuilt = build(cmake, copy, os.path.join(scratch, "elsewhere"), build_type, os.path.basename(toolchain))
 
     failed = False
     for suffix in ("", ".debug"):
