@@ -293,6 +293,22 @@ float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short 
                                  short y0, short y1, short z0, short z1, float high, float low, float extra,
                                  unsigned short* width, unsigned short* height, int reserved);
 
+#if !defined(_WIN32) && !defined(Z3D_OWN_GLOBAL_MEMORY)
+/*
+ * What a host takes of windows.h to release a projection, with the same meaning, where there is no windows.h. They
+ * know the blocks of this library and no others.
+ *   GlobalHandle  the handle of the block whose pixels begin at an address; null where none does
+ *   GlobalUnlock  takes one lock away. Returns 0 when none is left, or for a handle that is none.
+ *   GlobalFree    releases the block, locked or not. Returns null; for a handle that is none that handle.
+ * A program that has functions of these names keeps them: it defines Z3D_OWN_GLOBAL_MEMORY before it includes this
+ * header, and takes the library's from the library alone, by dlsym with the handle that dlopen gives.
+ * Threads  any
+ */
+void* Z3D_CALL GlobalHandle(const void* address);
+int Z3D_CALL GlobalUnlock(void* block);
+void* Z3D_CALL GlobalFree(void* block);
+#endif
+
 /* ------------------------------------------------------------------------------------------------------ */
 /* Volumes from files                                                                                      */
 /* ------------------------------------------------------------------------------------------------------ */

@@ -3,7 +3,6 @@
 #include "platform/Refusal.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace z3d::platform {
@@ -13,12 +12,10 @@ constexpr int kNotOpen = -1;
 
 int OpenForReading(const char* name) {
     if (name == nullptr || IsRefused(Resource::FileOpen)) return kNotOpen;
-    const int descriptor = open(name, O_RDONLY | O_CLOEXEC);
-    if (descriptor == kNotOpen) return kNotOpen;
-    // Unlike on Windows a directory can be opened here.
-    struct stat status;
-    if (fstat(descriptor, &status) == 0 && !S_ISDIR(status.st_mode)) return descriptor;
-    close(descriptor);
+    // Unlike on Windows a directory can be opened here. (Asking for its kind takes a C library of 2021.)
+    const int directory = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory == kNotOpen) return open(name, O_RDONLY | O_CLOEXEC);
+    close(directory);
     return kNotOpen;
 }
 

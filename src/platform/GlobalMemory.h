@@ -29,4 +29,9 @@ void BlockFree(BlockHandle block);
 // The block that is locked at this address, or null. The way back from a projection to its handle.
 BlockHandle BlockFromAddress(const void* address);
 
+#ifndef _WIN32
+// Whether this is a block's handle. Windows looks before it works on one; here the exports that stand in for it do.
+bool IsBlock(BlockHandle handle);
+#endif
+
 } // namespace z3d::platform

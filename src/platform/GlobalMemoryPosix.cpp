@@ -5,6 +5,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <pthread.h>
+
 namespace z3d::platform {
 namespace {
 
@@ -16,8 +18,20 @@ struct Block {
     Block** link; // what points to this block: the first one's, or the field of the block before
 };
 
-// Newest first. Only BlockFromAddress walks the list: volumes can have tens of thousands of slices.
+// Newest first. Only the way back from addresses and handles of a host walks the list: volumes can have tens of
+// thousands of slices, and a picture is released soon after it was made.
 Block* firstBlock = nullptr;
+
+// Hosts make and release blocks on several threads at the same time. A block itself belongs to one of them.
+pthread_mutex_t listMutex = PTHREAD_MUTEX_INITIALIZER;
+
+class ListLock {
+public:
+    ListLock() { pthread_mutex_lock(&listMutex); }
+    ~ListLock() { pthread_mutex_unlock(&listMutex); }
+    ListLock(const ListLock&) = delete;
+    ListLock& operator=(const ListLock&) = delete;
+};
 
 void* AllocateZeroes(std::uint32_t bytes) { return std::calloc(bytes, 1); }
 
@@ -36,9 +50,12 @@ BlockHandle Allocate(void* (*allocatePixels)(std::uint32_t), std::uint32_t bytes
         std::free(block);
         return nullptr;
     }
-    *block = {pixels, 0, firstBlock, &firstBlock};
-    if (firstBlock != nullptr) firstBlock->link = &block->next;
-    firstBlock = block;
+    {
+        const ListLock lock;
+        *block = {pixels, 0, firstBlock, &firstBlock};
+        if (firstBlock != nullptr) firstBlock->link = &block->next;
+        firstBlock = block;
+    }
     NoteGranted(Resource::Block);
     return block;
 }
@@ -70,17 +87,30 @@ void BlockFree(BlockHandle block) {
     if (block == nullptr) return;
     NoteReleased(Resource::Block);
     auto* record = static_cast<Block*>(block);
-    *record->link = record->next;
-    if (record->next != nullptr) record->next->link = record->link;
+    {
+        const ListLock lock;
+        *record->link = record->next;
+        if (record->next != nullptr) record->next->link = record->link;
+    }
     std::free(record->pixels);
     std::free(record);
 }
 
 BlockHandle BlockFromAddress(const void* address) {
+    if (address == nullptr) return nullptr; // the pixels of an empty block
+    const ListLock lock;
     Block* block = firstBlock;
     while (block != nullptr && block->pixels != address)
         block = block->next;
     return block;
+}
+
+bool IsBlock(BlockHandle handle) {
+    const ListLock lock;
+    const Block* block = firstBlock;
+    while (block != nullptr && block != handle)
+        block = block->next;
+    return block != nullptr;
 }
 
 } // namespace z3d::platform

@@ -1,5 +1,7 @@
 #include "platform/MessageBox.h"
 
+#ifdef Z3D_REFUSABLE
+
 #include <cstddef>
 #include <cstring>
 
@@ -26,3 +28,15 @@ void ShowMessageBox(const char* text, const char* caption, std::uint32_t style) 
 const RecordedMessageBox& LatestMessageBox() { return latest; }
 
 } // namespace z3d::platform
+
+#else
+
+namespace z3d::platform {
+
+// A library that does not know what its host is must not open a display, and a terminal may be nobody's: the call that
+// fails says so by its result.
+void ShowMessageBox(const char*, const char*, std::uint32_t) {}
+
+} // namespace z3d::platform
+
+#endif

@@ -2,8 +2,6 @@
 
 #include "exports/Library.h"
 
-#include <windows.h>
-
 namespace z3d::test {
 
 ExportedVolume::ExportedVolume(unsigned int width, unsigned int height, unsigned int depth,
@@ -30,12 +28,6 @@ Projection RenderMaximum(Volume3D* volume, const float* rotation) {
         TheLibrary().GetRotProjection(volume, rotation, RenderModeMaximum, 1, 32767, 1, 32767, 1, 32767,
                                       765.0f, 0.0f, 0.0f, &projection.width, &projection.height, 0);
     return projection;
-}
-
-bool ReleaseProjection(float* pixels) {
-    const HGLOBAL block = GlobalHandle(pixels);
-    if (block == nullptr || (GlobalFlags(block) & GMEM_LOCKCOUNT) != 1) return false;
-    return GlobalUnlock(block) == 0 && GetLastError() == NO_ERROR && GlobalFree(block) == nullptr;
 }
 
 } // namespace z3d::test

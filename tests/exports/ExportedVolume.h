@@ -1,6 +1,8 @@
 // Volumes and projections as a plain host has them from the DLL.
 #pragma once
 
+#include "exports/HostSide.h"
+
 #include "Zentra3DRendering.h"
 
 #include <cstddef>
@@ -40,8 +42,5 @@ struct Projection {
     unsigned short height = 0xABCD;
 };
 Projection RenderMaximum(Volume3D* volume, const float* rotation);
-
-// Frees pixels by the documented route. False when no block belongs to them, or it is not locked exactly once.
-bool ReleaseProjection(float* pixels);
 
 } // namespace z3d::test

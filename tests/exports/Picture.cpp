@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include <algorithm>
 
 namespace z3d::test {
@@ -18,7 +16,10 @@ Picture TakePicture(Volume3D* volume, const View& view) {
                                                   view.extra, &size[0], &size[1], 0);
     Picture picture = {size[0], size[1], pixels != nullptr, {}};
     if (pixels != nullptr) {
-        picture.floats.assign(pixels, pixels + GlobalSize(GlobalHandle(pixels)) / sizeof(float));
+        const std::size_t bytes =
+            view.wrappedBytes != 0 ? view.wrappedBytes : ProjectionBytes(size[0], size[1]);
+        EXPECT_TRUE(IsBlockOf(pixels, bytes));
+        if (IsBlockOf(pixels, bytes)) picture.floats.assign(pixels, pixels + bytes / sizeof(float));
         EXPECT_TRUE(ReleaseProjection(pixels));
     }
     return picture;

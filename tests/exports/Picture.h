@@ -23,6 +23,8 @@ struct View {
     float high = 765;
     float low = 0;
     float extra = 0;
+    // The bytes of a picture that is wider or higher than the 16 bits of its size can say.
+    std::size_t wrappedBytes = 0;
 };
 
 struct Picture {

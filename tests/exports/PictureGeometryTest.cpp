@@ -142,7 +142,8 @@ TEST(PictureGeometry, ObliqueViewsCanMissASingleVoxel) {
 // Widths of 65536 + 1: the host receives 1, and the block has every pixel.
 TEST(PictureGeometry, SizesAbove65535Wrap) {
     const ExportedVolume volume(2, 1, 1, 1);
-    const Picture picture = TakePicture(volume.Get(), {.rotation = {65536, 0, 0, 0, 1, 0, 0, 0, 1}});
+    const Picture picture = TakePicture(volume.Get(), {.rotation = {65536, 0, 0, 0, 1, 0, 0, 0, 1},
+                                                       .wrappedBytes = 65537u * 3 * sizeof(float)});
 
     EXPECT_EQ(picture.width, 1);
     EXPECT_EQ(picture.floats.size(), 65537u * 3);

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -45,7 +43,6 @@ Value At(const void* record, std::size_t offset) {
 TEST(RecordLayout, OfAnImage) {
     Image2D* image = TheLibrary().GlobalAlloc2D(0x1234, 2, 3);
 
-    EXPECT_EQ(GlobalSize(At<void*>(image, 0)), 0x1234u * 2 * 3);
     EXPECT_EQ(At<void*>(image, Bytes(4, 8)), nullptr);
     EXPECT_EQ(At<std::uint16_t>(image, Bytes(8, 16)), 0x1234);
     EXPECT_EQ(At<std::uint16_t>(image, Bytes(10, 18)), 2);
@@ -59,7 +56,8 @@ TEST(RecordLayout, OfALockedImage) {
     unsigned char** rows = TheLibrary().GlobalLock2D(image);
 
     EXPECT_EQ(At<void*>(image, Bytes(4, 8)), static_cast<void*>(rows));
-    EXPECT_EQ(At<void*>(rows, 0), GlobalLock(At<void*>(image, 0)));
+    EXPECT_EQ(At<void*>(image, 0), HandleOf(At<void*>(rows, 0)));
+    EXPECT_TRUE(IsBlockOf(At<void*>(rows, 0), 5 * 2));
     EXPECT_EQ(At<std::uintptr_t>(rows, kPointer), At<std::uintptr_t>(rows, 0) + 5);
 
     TheLibrary().GlobalFree2D(image);

@@ -7,9 +7,8 @@
 //         --gtest_also_run_disabled_tests --gtest_filter=GoldenRows.DISABLED_AreWrittenAnew
 // A row that changes without a change of the rules is an error.
 #include "reference/ReferenceRenderer.h"
-#include "support/Digest.h"
+#include "support/GoldenRows.h"
 #include "support/InstructionSets.h"
-#include "support/ProceduralVolumes.h"
 #include "support/ProductRenderer.h"
 #include "support/RandomRequests.h"
 
@@ -19,7 +18,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
-#include <span>
 #include <string>
 #include <tuple>
 
@@ -27,73 +25,6 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::test;
-
-enum class VolumeKind { Noise, Sparse, Blob, Ramp, Step, Checkerboard };
-
-struct GoldenRow {
-    std::int16_t mode;
-    VolumeKind kind;
-    VolumeSize size;
-    // The seed of the first three kinds, a ramp's axis, 256 times a step's border plus its inside, or the side
-    // of a checkerboard's cells.
-    std::uint32_t detail;
-    // Floats as their bits.
-    std::array<std::uint32_t, 9> rotation;
-    Crop crop;
-    std::uint32_t high, low, extra;
-    // The size as the host receives it.
-    int width, height;
-    std::uint64_t digest;
-};
-
-std::span<const GoldenRow> AllRows() {
-    using enum VolumeKind;
-    static constexpr GoldenRow kRows[] = {
-#include "render/GoldenRows.inc"
-    };
-    return kRows;
-}
-
-reference::Volume VolumeOf(const GoldenRow& row) {
-    switch (row.kind) {
-    case VolumeKind::Noise:
-        return NoiseVolume(row.size, row.detail);
-    case VolumeKind::Sparse:
-        return SparseVolume(row.size, row.detail);
-    case VolumeKind::Blob:
-        return BlobVolume(row.size, row.detail);
-    case VolumeKind::Ramp:
-        return RampVolume(row.size, static_cast<int>(row.detail));
-    case VolumeKind::Step:
-        return StepVolume(row.size, static_cast<std::uint8_t>(row.detail >> 8),
-                          static_cast<std::uint8_t>(row.detail));
-    case VolumeKind::Checkerboard:
-        return CheckerboardVolume(row.size, static_cast<int>(row.detail));
-    }
-    return {};
-}
-
-reference::Request RequestOf(const GoldenRow& row) {
-    return {std::bit_cast<std::array<float, 9>>(row.rotation),
-            row.mode,
-            row.crop.x0,
-            row.crop.x1,
-            row.crop.y0,
-            row.crop.y1,
-            row.crop.z0,
-            row.crop.z1,
-            std::bit_cast<float>(row.high),
-            std::bit_cast<float>(row.low),
-            row.extra};
-}
-
-std::uint64_t DigestOf(const reference::Projection& projection) {
-    Digest digest;
-    for (const float value : projection.pixels) {
-        digest.Add(value);
-    }
-    return digest.Value();
-}
 
 // Line for line; `row` counts from 1, as editors do.
 void ExpectTheRows(reference::Projection (*render)(const reference::Volume&, const reference::Request&)) {

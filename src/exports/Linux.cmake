@@ -1,0 +1,77 @@
+# libzentra3drendering.so, and what `cmake --install` puts beside it.
+
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+set(exports ${CMAKE_CURRENT_LIST_DIR})
+
+# The names come from the module definition, the only list of them, behind those three that stand in for functions of
+# Windows by which a host releases a picture.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports}/Zentra3DRendering.def)
+file(STRINGS ${exports}/Zentra3DRendering.def definition_lines REGEX "@[0-9]+$")
+set(global_names "GlobalHandle; GlobalUnlock; GlobalFree;")
+foreach(line IN LISTS definition_lines)
+  string(REGEX REPLACE "^ *([A-Za-z0-9]+)=.*$" "\\1" name "${line}")
+  string(APPEND global_names "\n    ${name};")
+endforeach()
+set(version_script ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRendering.map)
+file(CONFIGURE OUTPUT ${version_script} CONTENT
+"ZENTRA3DRENDERING_@PROJECT_VERSION_MAJOR@ {
+  global:
+    @global_names@
+  local:
+    *;
+};
+" @ONLY)
+
+file(GLOB export_sources CONFIGURE_DEPENDS ${exports}/*.cpp)
+list(FILTER export_sources EXCLUDE REGEX "/DllMain\\.cpp$")
+add_library(Zentra3DRendering SHARED ${export_sources} ${ZENTRA_CORE_OBJECTS} $<TARGET_OBJECTS:zentra_platform>)
+zentra_library_code(Zentra3DRendering)
+# Everything is hidden but for the entries of this folder; the version script hides what else it brings along.
+target_compile_options(Zentra3DRendering PRIVATE -fvisibility=default)
+set_target_properties(Zentra3DRendering PROPERTIES
+  OUTPUT_NAME zentra3drendering
+  VERSION ${PROJECT_VERSION}
+  SOVERSION ${PROJECT_VERSION_MAJOR}
+  LINK_DEPENDS ${version_script})
+# Symbolic: whatever the process has of the same names, the library's own references are to itself.
+target_link_options(Zentra3DRendering PRIVATE
+  -Wl,--version-script=${version_script} -Wl,-Bsymbolic -Wl,-z,defs -Wl,-z,relro -Wl,-z,now -Wl,-z,noexecstack
+  -Wl,--gc-sections -Wl,--as-needed -Wl,--build-id -static-libgcc -static-libstdc++)
+# What hosts get of it is the header, and not the sources' folders.
+set_property(TARGET Zentra3DRendering PROPERTY
+  INTERFACE_INCLUDE_DIRECTORIES $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+
+# As for Windows: symbols, where there are any, in a file of their own.
+set(library $<TARGET_FILE:Zentra3DRendering>)
+add_custom_command(TARGET Zentra3DRendering POST_BUILD
+  COMMAND ${CMAKE_OBJCOPY} --only-keep-debug ${library} ${library}.debug
+  COMMAND ${CMAKE_OBJCOPY} --strip-unneeded --add-gnu-debuglink=${library}.debug ${library}
+  VERBATIM)
+
+# What a host links with: the header, the library and nothing of the sources.
+add_library(zentra_host INTERFACE)
+target_include_directories(zentra_host INTERFACE ${PROJECT_SOURCE_DIR}/include)
+target_link_libraries(zentra_host INTERFACE ${library})
+add_dependencies(zentra_host Zentra3DRendering)
+
+# --- What is installed: the library with its two links, the header, a CMake package and a pkg-config file. All find
+# their places from their own, so that an installed tree can be moved.
+set(sdk ${PROJECT_SOURCE_DIR}/sdk)
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/Zentra3DRendering)
+configure_package_config_file(${sdk}/lib/linux/Zentra3DRenderingConfig.cmake.in
+  ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfig.cmake INSTALL_DESTINATION ${package})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfigVersion.cmake
+  COMPATIBILITY SameMajorVersion)
+file(RELATIVE_PATH prefix_of_pc /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+configure_file(${sdk}/lib/linux/Zentra3DRendering.pc.in Zentra3DRendering.pc @ONLY)
+
+install(TARGETS Zentra3DRendering EXPORT Zentra3DRenderingTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
+install(FILES ${PROJECT_SOURCE_DIR}/include/Zentra3DRendering.h
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT library)
+install(EXPORT Zentra3DRenderingTargets NAMESPACE Zentra3DRendering:: DESTINATION ${package} COMPONENT library)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfig.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfigVersion.cmake DESTINATION ${package} COMPONENT library)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRendering.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT library)
