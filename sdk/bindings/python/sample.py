@@ -1,9 +1,12 @@
 """Renders a volume in every mode and loads one from files. Run it in the folder samples/data."""
 
-import pathlib
 import sys
 
-from zentra3d import Mode, Volume, rotation
+import numpy as np
+
+import zentra3d
+
+SHAPE = (32, 40, 48)  # slices, rows, columns
 
 
 def checksum(data):
@@ -14,9 +17,10 @@ def checksum(data):
     return value
 
 
-def show(name, volume, mode, low, high, extra=0):
-    width, height, pixels = volume.project(rotation(30, 40, 50), mode, low, high, extra)
-    print(f"{name:9} {width:2} x {height:2}  {checksum(pixels.tobytes()):08X}")
+def show(name, volume, mode, window, extra=0):
+    picture = volume.project((30, 40, 50), mode, window, extra=extra)
+    height, width, _ = picture.shape
+    print(f"{name:9} {width:2} x {height:2}  {checksum(picture.tobytes()):08X}")
 
 
 def cancel_at_half(percent):
@@ -25,24 +29,26 @@ def cancel_at_half(percent):
 
 
 def main():
-    with Volume(pathlib.Path("grey.raw").read_bytes(), 48, 40, 32) as volume:
-        show("maximum", volume, Mode.MAXIMUM, 0, 255)
-        show("minimum", volume, Mode.MINIMUM, 1, 255)
-        show("sum", volume, Mode.SUM, 0, 255)
-        show("surface", volume, Mode.SURFACE, 60, 256)
-        show("layers", volume, Mode.SURFACE, 60, 256, 0.5)
-        show("blend", volume, Mode.BLEND, 0, 255, 0.5)
-        show("contrast", volume, Mode.CONTRAST, 0, 256)
-        show("first hit", volume, Mode.FIRST_HIT, 60, 255)
+    voxels = np.fromfile("grey.raw", np.uint8).reshape(SHAPE)
+    with zentra3d.Volume(voxels) as volume:
+        show("maximum", volume, "max", (0, 255))
+        show("minimum", volume, "min", (1, 255))
+        show("sum", volume, "sum", (0, 255))
+        show("surface", volume, "surface", (60, 256))
+        show("layers", volume, "surface", (60, 256), 0.5)
+        show("blend", volume, "blend", (0, 255), 0.5)
+        show("contrast", volume, "contrast", (0, 256))
+        show("first hit", volume, "first", (60, 255))
 
-    files = ("red.raw", "green.raw", "blue.raw", 48, 40, 32)
-    with Volume.load(*files, max_diagonal=60) as colour:
+    files = ("red.raw", "green.raw", "blue.raw")
+    with zentra3d.load_rgb(*files, SHAPE, max_diagonal=60) as colour:
+        depth, height, width, _ = colour.shape
         low, high = colour.display_range
-        print("loaded    {} x {} x {}".format(*colour.size) + f", display range {low:.0f} to {high:.0f}")
-        show("colour", colour, Mode.MAXIMUM, 0, 765)
+        print(f"loaded    {width} x {height} x {depth}, display range {low:.0f} to {high:.0f}")
+        show("colour", colour, "max", (0, 765))
 
     try:
-        Volume.load(*files, max_diagonal=60, progress=cancel_at_half).close()
+        zentra3d.load_rgb(*files, SHAPE, max_diagonal=60, progress=cancel_at_half).close()
     except KeyboardInterrupt as reason:
         print(reason)
 

@@ -1,0 +1,148 @@
+"""Finds the library and declares its functions. Its header, Zentra3DRendering.h, says what each of them does."""
+
+from __future__ import annotations
+
+import ctypes
+import enum
+import os
+import pathlib
+import struct
+import sys
+from ctypes import POINTER, c_double, c_float, c_int, c_short, c_size_t, c_ubyte, c_uint, c_ushort, c_void_p
+from typing import Any, Iterator
+
+ENVIRONMENT_VARIABLE = "ZENTRA3D_LIBRARY"
+IS_WINDOWS = sys.platform == "win32"
+FILE_NAME = "Zentra3DRendering.dll" if IS_WINDOWS else "libzentra3drendering.so.1"
+
+# Windows calls 32-bit functions in its own way; elsewhere the two kinds are the same.
+_Library: Any = ctypes.WinDLL if IS_WINDOWS else ctypes.CDLL
+_function_type: Any = ctypes.WINFUNCTYPE if IS_WINDOWS else ctypes.CFUNCTYPE
+
+
+class LibraryNotFound(ImportError):
+    """The library could not be loaded; the text lists where it was looked for, and what was wrong there."""
+
+
+class ProgressCode(enum.IntEnum):
+    """What the library tells its callback."""
+
+    FAILED = 0
+    START = 101
+    PERCENT = 102
+    NO_GREY = 200
+
+
+PROGRESS_GO_ON = 0
+PROGRESS_CANCEL = 200
+
+
+class Image2D(ctypes.Structure):
+    _fields_ = [("mem", c_void_p), ("rows", POINTER(c_void_p)), ("width", c_ushort), ("height", c_ushort),
+                ("bytes_per_pixel", c_uint)]
+
+
+class Volume3D(ctypes.Structure):
+    _fields_ = [("slices", POINTER(POINTER(Image2D))), ("slice_rows", POINTER(POINTER(c_void_p))), ("width", c_ushort),
+                ("height", c_ushort), ("depth", c_ushort)]
+
+
+ProgressCallback: Any = _function_type(c_int, c_size_t, c_int, c_uint)
+AxisOrder = c_short * 3
+Matrix = c_double * 9
+Rotation = c_float * 9
+_float_p, _short_p, _ushort_p, _double_p = POINTER(c_float), POINTER(c_short), POINTER(c_ushort), POINTER(c_double)
+_image, _volume = POINTER(Image2D), POINTER(Volume3D)
+_box = [c_short] * 6
+
+
+def _places() -> Iterator[str]:
+    """Where the library may lie: named by the environment, beside the package, in the unpacked archive, in the system."""
+    named = os.environ.get(ENVIRONMENT_VARIABLE)
+    if named:
+        yield named
+        return
+    package = pathlib.Path(__file__).resolve().parent
+    archive = package.parents[2]
+    for folder in (package, package.parent, archive / ("bin" if IS_WINDOWS else "lib")):
+        if (folder / FILE_NAME).exists():
+            yield str(folder / FILE_NAME)
+    yield FILE_NAME
+
+
+def _load() -> Any:
+    failures = []
+    for place in _places():
+        try:
+            return _Library(place)
+        except OSError as reason:
+            failures.append(f"{place}: {reason}")
+    bits = 8 * struct.calcsize("P")
+    raise LibraryNotFound(
+        f"no {FILE_NAME} for this {bits}-bit Python could be loaded. Put it beside the package, or name it in the "
+        f"environment variable {ENVIRONMENT_VARIABLE}. Tried:\n  " + "\n  ".join(failures))
+
+
+library = _load()  # all functions, as declared here
+for _name, _result, *_arguments in [
+        ("AdjustGamma", c_int, POINTER(c_ubyte), c_float),
+        ("ChangeOrder", None, _short_p, _short_p, _float_p, _float_p, _float_p),
+        ("CreateRotateMatrix", None, _double_p, _short_p, c_float, c_float, c_float),
+        ("Free3DData", None, _volume),
+        ("GetAngleXY", None, _double_p, c_double, c_double, c_double, _float_p, _float_p, c_float),
+        ("GetAngleXYZ", None, _double_p, _float_p, _float_p, _float_p),
+        ("GetAngleYZ", None, _double_p, c_double, c_double, c_double, _float_p, _float_p, c_float),
+        ("GetAngleYZX", None, _double_p, _float_p, _float_p, _float_p),
+        ("GetAngleZX", None, _double_p, c_double, c_double, c_double, _float_p, _float_p, c_float),
+        ("GetAngleZXY", None, _double_p, _float_p, _float_p, _float_p),
+        ("GetRGBImage", _volume, ctypes.c_char_p, ctypes.c_char_p, ctypes.c_char_p, c_short, c_short, c_short, c_int, c_int,
+         c_int, c_short, c_short, _float_p, _float_p, _float_p, _float_p, c_size_t, ProgressCallback, c_int),
+        ("GetRotDim", None, _volume, _float_p, *_box, _ushort_p, _ushort_p, c_int),
+        ("GetRotProjection", c_void_p, _volume, _float_p, c_short, *_box, c_float, c_float, c_float, _ushort_p, _ushort_p,
+         c_int),
+        ("GlobalAlloc2D", _image, c_uint, c_uint, c_uint),
+        ("GlobalAlloc3D", _volume, c_uint, c_uint, c_uint, c_uint),
+        ("GlobalFree2D", None, _image),
+        ("GlobalFree3D", None, _volume),
+        ("GlobalLock2D", POINTER(c_void_p), _image),
+        ("GlobalLock3D", POINTER(POINTER(c_void_p)), _volume),
+        ("GlobalUnlock2D", c_int, _image),
+        ("GlobalUnlock3D", c_int, _volume),
+        ("SetRenderMsgTitle", c_void_p, ctypes.c_char_p),
+        ("SubvolumeConvert", c_short, c_int, c_int, c_int, c_short)]:
+    getattr(library, _name).restype = _result
+    getattr(library, _name).argtypes = _arguments
+
+# Where there is no Windows to release pictures, the library has what does.
+_memory: Any = ctypes.WinDLL("kernel32") if IS_WINDOWS else library
+for _name in ("GlobalHandle", "GlobalFree"):
+    getattr(_memory, _name).restype = c_void_p
+    getattr(_memory, _name).argtypes = [c_void_p]
+_memory.GlobalUnlock.restype = c_int
+_memory.GlobalUnlock.argtypes = [c_void_p]
+
+
+def release_picture(address: int) -> None:
+    """Releases what GetRotProjection gave."""
+    block = _memory.GlobalHandle(address)  # the address is not the handle
+    _memory.GlobalUnlock(block)
+    _memory.GlobalFree(block)
+
+
+def file_name(path: os.PathLike[str] | str) -> bytes:
+    """The path as the library takes it: on Windows in the system's code page, or else its short name in it.
+
+    A file that cannot be opened raises OSError here: Windows would show it to the user in a message box.
+    """
+    with open(path, "rb"):
+        pass
+    if not IS_WINDOWS:
+        return os.fsencode(path)
+    name = os.fspath(path)
+    try:
+        return name.encode("mbcs")
+    except UnicodeEncodeError:
+        longest = 32767
+        short = ctypes.create_unicode_buffer(longest)
+        ctypes.WinDLL("kernel32").GetShortPathNameW(ctypes.c_wchar_p(name), short, longest)
+        return short.value.encode("mbcs")

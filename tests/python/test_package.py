@@ -1,0 +1,77 @@
+"""How the package finds the library, and what it says where it does not; its versions; the head."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+import nibabel
+import numpy as np
+import pytest
+import zentra3d
+
+PACKAGE = pathlib.Path(zentra3d.__file__).parent
+HEAD = pathlib.Path("/usr/share/mricron/templates/ch2.nii.gz")
+VARIABLE = "ZENTRA3D_LIBRARY"
+RENDER = "import numpy, zentra3d; print(zentra3d.project(numpy.full((2, 2, 2), 7, numpy.uint8)).max())"
+
+
+def run(folder, program=RENDER, **environment):
+    clean = {name: value for name, value in os.environ.items() if name not in (VARIABLE, "PYTHONPATH")}
+    return subprocess.run([sys.executable, "-B", "-c", program], cwd=folder, env={**clean, **environment}, text=True,
+                          capture_output=True, check=False)
+
+
+@pytest.fixture
+def elsewhere(tmp_path):
+    """bindings/python in an archive, without a library."""
+    shutil.copytree(PACKAGE, tmp_path / "bindings" / "python" / "zentra3d")
+    return tmp_path
+
+
+@pytest.mark.parametrize("place", ["bindings/python/zentra3d", "bindings/python", "lib"])
+def test_it_lies_beside_the_package_or_in_the_archive(elsewhere, place):
+    (elsewhere / place).mkdir(exist_ok=True)
+    shutil.copy(os.environ[VARIABLE], elsewhere / place / "libzentra3drendering.so.1")
+
+    assert run(elsewhere / "bindings" / "python").stdout == "7.0\n"
+
+
+def test_it_is_where_the_system_looks(elsewhere, tmp_path):
+    shutil.copy(os.environ[VARIABLE], tmp_path / "libzentra3drendering.so.1")
+
+    assert run(elsewhere / "bindings" / "python", LD_LIBRARY_PATH=str(tmp_path)).stdout == "7.0\n"
+
+
+def test_what_was_tried_is_said(elsewhere):
+    folder = elsewhere / "bindings" / "python"
+    assert "environment variable ZENTRA3D_LIBRARY. Tried:\n  libzentra3drendering.so.1: " in run(folder).stderr
+    (folder / "damaged.so").write_bytes(b"\x7fELF and nothing else")
+    assert "damaged.so: " in run(folder, **{VARIABLE: str(folder / "damaged.so")}).stderr
+
+
+def test_the_library_stays_out_of_everybody_elses_way():
+    """Loaded for itself alone: nothing of it is found by its name in the process."""
+    result = run(PACKAGE.parent, "import ctypes, zentra3d; print(hasattr(ctypes.CDLL(None), 'GlobalFree'))",
+                 **{VARIABLE: os.environ[VARIABLE]})
+    assert result.stdout == "False\n"
+
+
+def test_one_version():
+    project = (PACKAGE.parent / "pyproject.toml").read_text(encoding="utf-8")
+    assert f'\nversion = "{zentra3d.__version__}"\n' in project
+    lists = (PACKAGE.parents[3] / "CMakeLists.txt").read_text(encoding="utf-8")
+    assert f"\n  VERSION {zentra3d.__version__}\n" in lists
+
+
+def test_the_head_read_with_nibabel():
+    image = nibabel.load(HEAD)
+    head = np.asarray(image.dataobj).T  # (X, Y, Z) to (Z, Y, X): a view
+    assert head.dtype == np.uint8 and head.shape == (181, 217, 181)
+
+    with zentra3d.Volume(head) as volume:
+        np.testing.assert_array_equal(volume.project()[..., 0], head.max(axis=0)[::-1])
+        np.testing.assert_array_equal(volume.project(mode="sum")[..., 0], head.sum(axis=0, dtype=np.float64)[::-1])
+        oblique = volume.project((30, 40, 50), nan=True)
+    assert oblique.shape == (325, 332, 3) and np.nanmax(oblique) == head.max()
