@@ -1,16 +1,20 @@
 #!/usr/bin/env python3
-"""Packs a folder into a zip that depends on the folder's contents alone, with a SHA256SUMS inside.
+"""Packs a folder into a zip or a .tar.gz that depends on the folder's contents alone, with a SHA256SUMS inside.
 
-Usage: pack.py FOLDER ZIP SOURCE_ROOT
+Usage: pack.py FOLDER ARCHIVE SOURCE_ROOT
 The archive holds one top folder, named as FOLDER. All entries carry one time, SOURCE_DATE_EPOCH (by default the
-first that a zip can hold). Beside the archive goes ZIP.sha256. A file that holds a path into SOURCE_ROOT is refused.
+first that a zip can hold). Beside the archive goes ARCHIVE.sha256. A file that holds a path into SOURCE_ROOT is refused.
+A zip is for Windows: texts get its line ends. A .tar.gz keeps symbolic links.
 """
 
+import gzip
 import hashlib
+import io
 import os
 import pathlib
 import re
 import sys
+import tarfile
 import time
 import zipfile
 
@@ -19,9 +23,9 @@ CRLF_SUFFIXES = {".txt", ".bas", ".vbp", ".pas", ".dpr"}
 FIRST_ZIP_TIME = 315532800  # 1980-01-01
 
 
-def contents_of(path):
+def contents_of(path, for_windows):
     data = path.read_bytes()
-    if path.suffix in CRLF_SUFFIXES:
+    if for_windows and path.suffix in CRLF_SUFFIXES:
         data = data.replace(b"\r\n", b"\n").replace(b"\n", b"\r\n")
     return data
 
@@ -34,9 +38,8 @@ def refuse_machine_paths(name, data, root):
             sys.exit(f"{name} holds a path of this machine ({root}/...)")
 
 
-def zip_time():
-    seconds = max(int(os.environ.get("SOURCE_DATE_EPOCH", FIRST_ZIP_TIME)), FIRST_ZIP_TIME)
-    return time.gmtime(seconds)[:6]
+def archive_time():
+    return max(int(os.environ.get("SOURCE_DATE_EPOCH", FIRST_ZIP_TIME)), FIRST_ZIP_TIME)
 
 
 def sums(files):
@@ -45,7 +48,7 @@ def sums(files):
 
 
 def write_zip(target, top, files):
-    when = zip_time()
+    when = time.gmtime(archive_time())[:6]
     with zipfile.ZipFile(target, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as archive:
         for name, data in sorted(files.items()):
             entry = zipfile.ZipInfo(f"{top}/{name}", when)
@@ -55,16 +58,34 @@ def write_zip(target, top, files):
             archive.writestr(entry, data)
 
 
+def write_tar(target, top, files, links):
+    with gzip.GzipFile(target, "wb", compresslevel=9, mtime=archive_time()) as packed, \
+            tarfile.open(fileobj=packed, mode="w", format=tarfile.PAX_FORMAT) as archive:
+        for name in sorted(files.keys() | links.keys()):
+            entry = tarfile.TarInfo(f"{top}/{name}")
+            entry.mtime = archive_time()
+            if name in links:
+                entry.type, entry.linkname = tarfile.SYMTYPE, links[name]
+            else:
+                entry.size = len(files[name])
+            archive.addfile(entry, io.BytesIO(files.get(name, b"")))
+
+
 def main():
     folder, target, root = map(pathlib.Path, sys.argv[1:])
-    files = {path.relative_to(folder).as_posix(): contents_of(path)
-             for path in folder.rglob("*") if path.is_file()}
+    for_windows = target.suffix == ".zip"
+    paths = {path.relative_to(folder).as_posix(): path for path in folder.rglob("*") if path.is_file()}
+    links = {name: os.readlink(path) for name, path in paths.items() if path.is_symlink() and not for_windows}
+    files = {name: contents_of(path, for_windows) for name, path in paths.items() if name not in links}
     if not files:
         sys.exit(f"{folder} is empty")
     for name, data in files.items():
         refuse_machine_paths(name, data, root)
     files["SHA256SUMS"] = sums(files)
-    write_zip(target, folder.name, files)
+    if for_windows:
+        write_zip(target, folder.name, files)
+    else:
+        write_tar(target, folder.name, files, links)
     digest = hashlib.sha256(target.read_bytes()).hexdigest()
     pathlib.Path(f"{target}.sha256").write_text(f"{digest}  {target.name}\n", encoding="ascii")
 

@@ -68,10 +68,14 @@ configure_file(${sdk}/lib/linux/Zentra3DRendering.pc.in Zentra3DRendering.pc @ON
 
 install(TARGETS Zentra3DRendering EXPORT Zentra3DRenderingTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library)
-install(FILES ${PROJECT_SOURCE_DIR}/include/Zentra3DRendering.h
-  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT library)
-install(EXPORT Zentra3DRenderingTargets NAMESPACE Zentra3DRendering:: DESTINATION ${package} COMPONENT library)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfig.cmake
-  ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfigVersion.cmake DESTINATION ${package} COMPONENT library)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRendering.pc
-  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT library)
+install(TARGETS Zentra3DRendering LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT sdk EXCLUDE_FROM_ALL)
+# The archive of the SDK begins with all that is installed.
+foreach(component IN ITEMS library "sdk;EXCLUDE_FROM_ALL")
+  install(FILES ${PROJECT_SOURCE_DIR}/include/Zentra3DRendering.h
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT ${component})
+  install(EXPORT Zentra3DRenderingTargets NAMESPACE Zentra3DRendering:: DESTINATION ${package} COMPONENT ${component})
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfig.cmake
+    ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfigVersion.cmake DESTINATION ${package} COMPONENT ${component})
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRendering.pc
+    DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT ${component})
+endforeach()

@@ -7,6 +7,7 @@ import os
 import pathlib
 import subprocess
 import sys
+import tarfile
 import tempfile
 import unittest
 import zipfile
@@ -27,8 +28,8 @@ class Pack(unittest.TestCase):
             (folder / name).write_bytes(data)
         return folder
 
-    def pack(self, folder, epoch="1700000000", root="/home/somebody/zentra"):
-        target = folder.parent / "kit.zip"
+    def pack(self, folder, epoch="1700000000", root="/home/somebody/zentra", name="kit.zip"):
+        target = folder.parent / name
         result = subprocess.run([sys.executable, "-B", ROOT / "sdk" / "pack.py", folder, target, root], text=True,
                                 env={**os.environ, "SOURCE_DATE_EPOCH": epoch, "TZ": "Asia/Tokyo"},
                                 stderr=subprocess.PIPE, check=False)
@@ -62,6 +63,23 @@ class Pack(unittest.TestCase):
         with zipfile.ZipFile(target) as archive:
             self.assertEqual(archive.read("kit-1.0/a.bas"), b"1\r\n2\r\n")
             self.assertEqual(archive.read("kit-1.0/a.go"), b"1\n")
+
+    def test_a_tar_depends_on_the_files_alone_and_keeps_links_and_line_ends(self):
+        one = self.folder("one", {"lib/a.so.1": b"a", "a.txt": b"1\n"})
+        (one / "lib" / "a.so").symlink_to("a.so.1")
+        other = self.folder("other", {"a.txt": b"1\n", "lib/a.so.1": b"a"})
+        (other / "lib" / "a.so").symlink_to("a.so.1")
+        (other / "a.txt").chmod(0o700)
+        os.utime(other / "a.txt", (1, 1))
+
+        target, _ = self.pack(one, name="kit.tar.gz")
+        self.assertEqual(target.read_bytes(), self.pack(other, name="kit.tar.gz")[0].read_bytes())
+        with tarfile.open(target) as archive:
+            self.assertEqual(archive.getnames(),
+                             ["kit-1.0/SHA256SUMS", "kit-1.0/a.txt", "kit-1.0/lib/a.so", "kit-1.0/lib/a.so.1"])
+            self.assertEqual(archive.getmember("kit-1.0/lib/a.so").linkname, "a.so.1")
+            self.assertEqual(archive.extractfile("kit-1.0/a.txt").read(), b"1\n")
+            self.assertEqual({entry.mtime for entry in archive}, {1700000000})
 
     def test_a_path_of_the_machine_is_refused(self):
         for text in (b"see /home/somebody/zentra/src", "/home/somebody/zentra/src".encode("utf-16-le")):

@@ -3,7 +3,9 @@
 #include "Zentra3DRendering.h"
 #include <stdio.h>
 #include <string.h>
+#ifdef _WIN32
 #include <windows.h>
+#endif
 
 enum { WIDTH = 48, HEIGHT = 40, DEPTH = 32 };
 static float rotation[9];
@@ -71,7 +73,7 @@ int main(void) {
     Free3DData(volume);
 
     volume = GetRGBImage("red.raw", "green.raw", "blue.raw", WIDTH, HEIGHT, DEPTH, 0, 0, 0, 1, 60, &most,
-                         &least, NULL, NULL, (unsigned int)&percent, CancelAtHalf, 0);
+                         &least, NULL, NULL, (size_t)&percent, CancelAtHalf, 0);
     if (volume == NULL && percent > 0) printf("cancelled at %d %%\n", percent);
     Free3DData(volume); /* null does nothing */
     return 0;
