@@ -89,7 +89,7 @@ def test_arrays_need_not_be_contiguous(grey, colour):
     (dict(array=np.zeros((4, 3, 5, 4), np.uint8)), ValueError, "red, green, blue"),
     (dict(array=np.zeros((4, 0, 5), np.uint8)), ValueError, "4 x 0 x 5"),
     (dict(array=np.zeros((1, 1, 32768), np.uint8)), ValueError, "32767"),
-    (dict(mode="sideways"), ValueError, "max, min, sum, surface, blend, contrast, first"),
+    (dict(mode="sideways"), ValueError, "maximum, minimum, sum, surface, blend, contrast, first_hit"),
     (dict(mode=7), ValueError, "mode 7"),
     (dict(angles=(1, 2)), ValueError, "three are wanted"),
     (dict(angles=(1, 2, np.nan)), ValueError, "not finite"),

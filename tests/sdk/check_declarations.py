@@ -102,7 +102,7 @@ MODES = {"delphi": modes_of_delphi, "csharp": enumerated(r"enum RenderMode[^{]*\
          "python": enumerated(r"class Mode\([^)]*\):", r"(\w+)", r"\n\n\n"), "go": modes_of_go}
 
 BINDINGS = {"delphi": ("*.pas", delphi), "csharp": ("Zentra3D.cs", csharp), "vb6": ("Zentra3D.bas", visual_basic),
-            "node": ("zentra3d.mjs", node), "python": ("zentra3d/_library.py", python), "go": ("*.go", go)}
+            "node": ("zentra3d.mjs", node), "python": ("zentra3d/_*.py", python), "go": ("*.go", go)}
 
 
 def main():

@@ -27,13 +27,18 @@ NO_MINIMUM = np.float32(3.4028234663852886e38)
 class Mode(enum.IntEnum):
     """What a projection shows. Wherever a mode is wanted its name will do: "max", "min", "sum", "surface", ..."""
 
-    MAX = 0
-    MIN = 1
+    MAXIMUM = 0
+    MINIMUM = 1
     SUM = 2
     SURFACE = 3  # the first surface, or layered surfaces where extra is not 0
     BLEND = 4
     CONTRAST = 5
-    FIRST = 6
+    FIRST_HIT = 6
+
+    # Shorter names of the same modes.
+    MAX = MAXIMUM
+    MIN = MINIMUM
+    FIRST = FIRST_HIT
 
 
 _STRICT = (Mode.SURFACE, Mode.CONTRAST)  # whose windows exclude their ends
@@ -43,7 +48,7 @@ Window = Tuple[float, float]
 
 def mode_of(mode: Union[Mode, int, str]) -> Mode:
     try:
-        return Mode[mode.upper()] if isinstance(mode, str) else Mode(mode)
+        return Mode[mode.upper().replace(" ", "_")] if isinstance(mode, str) else Mode(mode)
     except (KeyError, ValueError):
         raise ValueError(f"mode {mode!r}: it is one of {', '.join(each.name.lower() for each in Mode)}") from None
 
@@ -171,7 +176,7 @@ class Volume:
             _library.library.GetRotDim(self.record, rotation, *_bounds(None, self.shape[:3]), width, height, 0)
             return height.value, width.value
 
-    def project(self, angles: ArrayLike = (0, 0, 0), mode: Union[Mode, int, str] = Mode.MAX,
+    def project(self, angles: ArrayLike = (0, 0, 0), mode: Union[Mode, int, str] = Mode.MAXIMUM,
                 window: Optional[Window] = None, crop: Optional[Crop] = None, extra: float = 0.0, *,
                 order: str = "XYZ", matrix: Optional[ArrayLike] = None, mirror: bool = False,
                 nan: bool = False) -> NDArray[np.float32]:
@@ -200,7 +205,7 @@ class Volume:
             raise OutOfMemory(f"the library got no memory for a picture of {height.value} x {width.value} pixels")
         pixels = _picture(address, height.value, width.value)
         if nan:
-            pixels[pixels == (NO_MINIMUM if kind == Mode.MIN else NO_VALUE)] = np.nan
+            pixels[pixels == (NO_MINIMUM if kind == Mode.MINIMUM else NO_VALUE)] = np.nan
         return pixels
 
     def _window(self, window: Optional[Window], mode: Mode) -> Window:
@@ -246,7 +251,7 @@ class Volume:
         return "<zentra3d.Volume, closed>" if self._record is None else f"<zentra3d.Volume of {self.shape}>"
 
 
-def project(array: ArrayLike, angles: ArrayLike = (0, 0, 0), mode: Union[Mode, int, str] = Mode.MAX,
+def project(array: ArrayLike, angles: ArrayLike = (0, 0, 0), mode: Union[Mode, int, str] = Mode.MAXIMUM,
             window: Optional[Window] = None, crop: Optional[Crop] = None, extra: float = 0.0,
             **options: Any) -> NDArray[np.float32]:
     """Renders an array of uint8, (Z, Y, X) or (Z, Y, X, 3), as Volume.project does, which says what the arguments mean.
