@@ -44,10 +44,14 @@ Z3D_INLINE void SplitWords(const std::uint32_t (&words)[kRays], RgbVoxels& voxel
         static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height);
     if (voxels < 4) return false;
     const __m512i lastWord = _mm512_set1_epi32(static_cast<int>(voxels - 4));
+    const SlicesAtHand slices(grid.slices, grid.depth, indexes.z[0], indexes.z[samples - 1]);
+    const bool areNear = slices.AreNear();
     for (int sample = 0; sample < samples; ++sample) {
         const __m512i plane = _mm512_load_si512(indexes.plane[sample]);
         const __m512i word = _mm512_min_epu32(plane, lastWord);
-        const Uints four = GatherFromSlices(grid.slices, indexes.z[sample], reinterpret_cast<Uints>(word));
+        const auto offset = reinterpret_cast<Uints>(word);
+        const Uints four = areNear ? slices.Gather(indexes.z[sample], offset)
+                                   : GatherFromSlices(grid.slices, indexes.z[sample], offset);
         const __m512i bits = _mm512_slli_epi32(_mm512_sub_epi32(plane, word), 3);
         stretch.sample[sample].channel[0] =
             LowestBytes(reinterpret_cast<Uints>(_mm512_srlv_epi32(reinterpret_cast<__m512i>(four), bits)));

@@ -87,23 +87,20 @@ Z3D_INLINE Ints IsAbove(Floats a, Floats b) {
 Z3D_INLINE Ints Truncate(Floats value) { return __builtin_convertvector(value, Ints); }
 Z3D_INLINE Floats ToFloats(Ints value) { return __builtin_convertvector(value, Floats); }
 
-// row * width + column, for numbers below 2^15: the two halves of each word are multiplied by those of the factors,
-// and the products added.
-Z3D_INLINE Ints FactorsFor(std::uint32_t width) {
-    return static_cast<std::int32_t>(width | 1u << 16) - Ints{};
-}
+// row * width + column, for rows and widths below 2^15: halves of words are multiplied, and the upper ones are 0.
+Z3D_INLINE Ints FactorsFor(std::uint32_t width) { return static_cast<std::int32_t>(width) - Ints{}; }
 Z3D_INLINE Uints RowTimesWidth(Ints row, Ints column, Ints factors) {
-    const Ints halves = row | column << 16;
 #if Z3D_VECTOR_BYTES == 64
-    return reinterpret_cast<Uints>(
-        _mm512_madd_epi16(reinterpret_cast<__m512i>(halves), reinterpret_cast<__m512i>(factors)));
+    const auto products = reinterpret_cast<Ints>(
+        _mm512_madd_epi16(reinterpret_cast<__m512i>(row), reinterpret_cast<__m512i>(factors)));
 #elif Z3D_VECTOR_BYTES == 32
-    return reinterpret_cast<Uints>(
-        _mm256_madd_epi16(reinterpret_cast<__m256i>(halves), reinterpret_cast<__m256i>(factors)));
+    const auto products = reinterpret_cast<Ints>(
+        _mm256_madd_epi16(reinterpret_cast<__m256i>(row), reinterpret_cast<__m256i>(factors)));
 #else
-    return reinterpret_cast<Uints>(
-        _mm_madd_epi16(reinterpret_cast<__m128i>(halves), reinterpret_cast<__m128i>(factors)));
+    const auto products = reinterpret_cast<Ints>(
+        _mm_madd_epi16(reinterpret_cast<__m128i>(row), reinterpret_cast<__m128i>(factors)));
 #endif
+    return reinterpret_cast<Uints>(products + column);
 }
 
 // The value after a round trip through single precision.
