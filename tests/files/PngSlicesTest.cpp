@@ -74,6 +74,24 @@ TEST(PngSlices, AHeaderThatPromisesTooMuchIsRefusedBeforeItCostsMemory) {
     EXPECT_EQ(Reader(files, {"flat.png"}).Facts().size.width, 2000);
 }
 
+// The pixels' chunk, whose length stands behind the signature and the first chunk of 25 bytes.
+TEST(PngSlices, AChunkThatIsLongerThanTheFileIsRefusedWithoutDecoding) {
+    MemoryFiles files;
+    Bytes png = Png(2, 2, 1, 8, "abcd");
+    ASSERT_EQ(png.substr(37, 4), "IDAT");
+    png.replace(33, 4, Packed<uint32_t>({0x7F000000}, true));
+    files.Put("a.png", png);
+
+    EXPECT_THROW(Reader(files, {"a.png"}), FileFailure);
+}
+
+TEST(PngSlices, WhatStandsBehindTheLastChunkIsIgnored) {
+    MemoryFiles files;
+    files.Put("a.png", Png(1, 1, 1, 8, "a") + Bytes(20, '\xFF'));
+
+    EXPECT_EQ(Voxels(Reader(files, {"a.png"})), Ints{'a'});
+}
+
 TEST(PngSlices, RefusesWhatIsNoPicture) {
     MemoryFiles files;
     const Bytes png = Png(2, 2, 1, 8, "abcd");

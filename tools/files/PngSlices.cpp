@@ -49,6 +49,20 @@ uint64_t BigEndian(const std::vector<unsigned char>& bytes, size_t at) {
     return number;
 }
 
+// Whether every chunk up to the last one ends within the file: the decoder makes room for a chunk by its length.
+bool HoldsItsChunks(const std::vector<unsigned char>& bytes) {
+    constexpr size_t kSignature = 8;
+    constexpr size_t kBeforeData = 8; // length and kind
+    constexpr size_t kAfterData = 4;  // checksum
+    for (uint64_t at = kSignature; at + kBeforeData <= bytes.size();) {
+        const uint64_t length = BigEndian(bytes, static_cast<size_t>(at));
+        if (length > bytes.size() - at - kBeforeData) return false;
+        if (std::memcmp(&bytes[static_cast<size_t>(at) + 4], "IEND", 4) == 0) break;
+        at += kBeforeData + length + kAfterData;
+    }
+    return true;
+}
+
 // Whether so few bytes can hold so many pixels: no packed byte stands for more than 1032. A header alone must not
 // cost gigabytes.
 bool IsPlausible(const std::vector<unsigned char>& bytes) {
@@ -69,7 +83,7 @@ PictureKind KindOf(const std::vector<unsigned char>& bytes, const std::filesyste
     const int length = static_cast<int>(bytes.size());
     PictureKind kind = {};
     int channels = 0;
-    if (!IsPlausible(bytes)) Refuse(path, kNoPicture);
+    if (!IsPlausible(bytes) || !HoldsItsChunks(bytes)) Refuse(path, kNoPicture);
     if (stbi_info_from_memory(bytes.data(), length, &kind.width, &kind.height, &channels) == 0)
         Refuse(path, kNoPicture);
     const bool isWide = stbi_is_16_bit_from_memory(bytes.data(), length) != 0;
