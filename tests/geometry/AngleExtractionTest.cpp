@@ -172,6 +172,19 @@ TEST(TwoAngles, StayAtThePoleJustBeyondOneAndAreNoNumbersFarther) {
     EXPECT_TRUE(std::isnan(x) && std::isnan(z) && std::isnan(rebuilt[0]));
 }
 
+// A column of a rotation is never so long that its direction lies this close to a half turn.
+TEST(TwoAngles, AreMinus180JustBeyondAHalfTurnForElementsOfNoRotation) {
+    Matrix rebuilt;
+    float first = 0, second = 0;
+
+    GetAngleXY(rebuilt.data(), 0, 2e-5, -1e4, &first, &second, 0);
+    EXPECT_TRUE(first == -180.0f && second == 0.0f);
+    GetAngleZX(rebuilt.data(), 2e-5, -1e4, 0, &first, &second, 0);
+    EXPECT_TRUE(first == 0.0f && second == -180.0f);
+    GetAngleYZ(rebuilt.data(), -1e4, 0, -2e-5, &first, &second, 0);
+    EXPECT_TRUE(first == -180.0f && second == 0.0f);
+}
+
 TEST(TwoAngles, FallToThePoleWithoutANumberToTest) {
     Matrix rebuilt;
     float first = 0, second = 0;
