@@ -1,8 +1,11 @@
-// Tells a test what stands in the viewer's windows, as JSON. Only looks: pressing and typing is the test's part.
-// Usage: viewer_probe [clipboard]
+// Tells a test what stands in the viewer's windows, as JSON, or what is on the clipboard. Pressing and typing is the
+// test's part; only what no key and no button of a single display can do is done here: dropping files.
+// Usage: viewer_probe [clipboard | drop file ...]
 #include <windows.h>
 
 #include <commctrl.h>
+#include <shellapi.h>
+#include <shlobj.h>
 #include <tlhelp32.h>
 
 #include <cstdio>
@@ -78,6 +81,8 @@ BOOL CALLBACK PrintWindow(HWND window, LPARAM) {
         IsWindowVisible(window),
         ClassOf(window) == L"Button" ? static_cast<int>(SendMessageW(window, BM_GETCHECK, 0, 0)) : 0);
     if (ClassOf(window) == STATUSCLASSNAMEW) PrintStatus(window);
+    if (ClassOf(window) == PROGRESS_CLASSW)
+        std::printf(", \"position\": %d", static_cast<int>(SendMessageW(window, PBM_GETPOS, 0, 0)));
     std::printf("}");
     return TRUE;
 }
@@ -110,9 +115,40 @@ int PrintClipboard() {
     return 0;
 }
 
+// What a drop gives to a program: a head, then the names, each with its zero, and one more zero.
+std::string Dropped(wchar_t** names, int count) {
+    std::wstring list;
+    for (int i = 0; i < count; ++i)
+        list.append(names[i]).push_back(L'\0');
+    list.push_back(L'\0');
+    DROPFILES head = {};
+    head.pFiles = sizeof head;
+    head.fWide = TRUE;
+    std::string block(reinterpret_cast<const char*>(&head), sizeof head);
+    return block.append(reinterpret_cast<const char*>(list.data()), list.size() * sizeof(wchar_t));
+}
+
+// The address of a fixed block is its handle. It lies in the other process, which knows it by that.
+int Drop(wchar_t** names, int count) {
+    const HWND window = FindWindowW(L"ZentraView", nullptr);
+    const std::string block = Dropped(names, count);
+    const HANDLE process = OpenProcess(PROCESS_ALL_ACCESS, FALSE, ProcessOf(window));
+    void* const there = VirtualAllocEx(process, nullptr, block.size(), MEM_COMMIT, PAGE_READWRITE);
+    const bool written = WriteProcessMemory(process, there, block.data(), block.size(), nullptr) != 0;
+    const bool posted =
+        written && PostMessageW(window, WM_DROPFILES, reinterpret_cast<WPARAM>(there), 0) != 0;
+    CloseHandle(process);
+    return posted ? 0 : 1;
+}
+
 } // namespace
 
-int main(int count, char**) {
+int main() {
+    // Else places would be told as if every display had 96 dots per inch.
+    SetProcessDPIAware();
+    int count = 0;
+    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+    if (count > 2) return Drop(words + 2, count - 2);
     if (count > 1) return PrintClipboard();
     const DWORD process = RunningProcess();
     std::printf("[{\"id\": 0, \"class\": \"process\", \"text\": \"%lu\", \"place\": [0, 0, 0, 0]}", process);

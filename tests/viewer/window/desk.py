@@ -1,5 +1,6 @@
 """The viewer on a display without a screen: starts it, presses its keys and buttons, and sees what it shows.
 Programs come from the environment: VIEW_EXE, ZENTRA_EXE, PROBE_EXE, and CMAKE_FOLDER with the wrappers of Wine."""
+import gzip
 import json
 import os
 import pathlib
@@ -102,6 +103,17 @@ class ViewerTest(unittest.TestCase):
         self.zentra("phantom", "-q", "--size", "48x56x48", "-o", name)
         return self.folder / name
 
+    def slow_file(self):
+        """A file that takes seconds to load and little room: packed zeros, again and again."""
+        part, side = gzip.compress(bytes(1 << 24), 1), 512
+        with open(self.folder / "slow.raw.gz", "wb") as file:
+            for _ in range(side ** 3 * 8 >> 24):
+                file.write(part)
+        header = self.folder / "slow.nhdr"
+        header.write_text(f"NRRD0004\ntype: double\ndimension: 3\nsizes: {side} {side} {side}\nendian: little\n"
+                          "encoding: gzip\ndata file: slow.raw.gz\n")
+        return header
+
     # What it shows.
 
     def probe(self):
@@ -170,6 +182,18 @@ class ViewerTest(unittest.TestCase):
                         "--", right - right // 2, down - down // 2, "mouseup", button)
         if hold:
             self.desk.press("keyup", hold)
+
+    def drop(self, *paths):
+        code, text = self.desk.output_of(os.environ["PROBE_EXE"], "drop", *map(windows_path, paths))
+        self.assertEqual(code, 0, text)
+
+    def drag_corner(self, right, down):
+        """The lower right one of the window, by its frame."""
+        left, top, width, height = self.find(**{"class": "ZentraView"})["place"]
+        self.desk.press("mousemove", left + width - 2, top + height - 2, "mousedown", 1)
+        for part in (0.5, 1):
+            self.desk.press("mousemove", left + width - 2 + int(right * part), top + height - 2 + int(down * part))
+        self.desk.press("mouseup", 1)
 
     def answer(self, keys, path):
         """Gives a file dialog, opened by keys, a path."""

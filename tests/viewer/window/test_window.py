@@ -1,6 +1,9 @@
+import os
 import random
 import struct
 import unittest
+
+import pefile
 
 from desk import ViewerTest
 
@@ -65,6 +68,91 @@ class Pictures(ViewerTest):
         left, top = self.find(**{"class": "ZentraPicture"})["place"][:2]
         self.desk.press("mousemove", left + 5, top + 5)
         self.wait_for(lambda: self.status()[4] == "", "there is a value outside of the picture")
+
+
+class Files(ViewerTest):
+    def test_a_dropped_file_is_opened(self):
+        self.open(self.small_head())
+        self.drop(self.small_head("頭 2.nhdr"))
+        self.wait_for(lambda: self.title() == "頭 2.nhdr - Zentra view", "it is not opened")
+
+    def test_dropped_slices_are_one_volume(self):
+        self.zentra("project", self.small_head().name, "-q", "--mode", "max", "--turntable", "3", "-o", "slice.png")
+        self.open()
+        self.drop(*(self.folder / f"slice-00{i}.png" for i in range(3)))
+        self.wait_for(lambda: self.status()[0].endswith("x 3 grey voxels"), "they are not opened")
+
+    def test_a_dropped_file_that_cannot_be_read_leaves_the_present_volume_alone(self):
+        self.open(self.small_head())
+        before = self.picture()
+        self.drop(self.folder / "nothing.nrrd")
+        self.assertIn("nothing.nrrd", " ".join(self.dialog()[1]))
+        self.key("Return")
+        self.wait_for(lambda: not self.find(**{"class": "#32770"}), "the dialog stays")
+        self.assertEqual((self.title(), self.picture()), ("head.nhdr - Zentra view", before))
+
+    def start_slow_load(self):
+        self.open(self.small_head())
+        self.before = self.picture()
+        self.drop(self.slow_file())
+        self.wait_for(lambda: self.find(**{"class": "msctls_progress32", "visible": 1}), "no progress is shown")
+        self.wait_for(lambda: self.find(**{"class": "msctls_progress32"})["position"] > 0, "the bar stays empty")
+
+    def expect_the_former_volume(self):
+        self.wait_for(lambda: self.find(text="Cancel", visible=0), "the bar stays")
+        self.assertEqual((self.title(), self.picture()), ("head.nhdr - Zentra view", self.before))
+        self.key("1")
+        self.wait_for_other_picture(self.before)
+
+    def test_the_cancel_button_leaves_the_present_volume_alone(self):
+        self.start_slow_load()
+        self.click(self.find(text="Cancel"))
+        self.expect_the_former_volume()
+
+    def test_escape_cancels_too(self):
+        self.start_slow_load()
+        self.key("Escape")
+        self.expect_the_former_volume()
+
+    def test_the_present_volume_turns_while_another_is_loaded(self):
+        self.start_slow_load()
+        self.key("b")
+        self.wait_for(lambda: "--rotate -90,0,180" in self.find(id=1060)["text"], "it does not listen")
+        self.assertEqual(self.title(), "head.nhdr - Zentra view")
+
+    def test_it_closes_in_the_middle_of_a_load(self):
+        self.start_slow_load()
+        self.key("alt+F4")
+        self.wait_for(lambda: not self.runs(), "it does not close")
+
+
+class Sizes(ViewerTest):
+    def places(self):
+        return [self.find(**{"class": name})["place"] for name in ("ZentraView", "ZentraPicture", "ZentraPanel")]
+
+    def test_the_picture_takes_what_the_window_gains_and_loses(self):
+        self.open(self.small_head())
+        (_, _, width, height), picture, panel = self.places()
+        self.drag_corner(-200, -150)
+        self.wait_for(lambda: self.places()[0][2:] == [width - 200, height - 150], "the window stays")
+        _, now, moved = self.places()
+        self.assertEqual(now[:2], picture[:2])
+        # The panel stands beside it, wider by its scroll bar.
+        self.assertEqual((now[0] + now[2], now[3]), (moved[0], picture[3] - 150))
+        self.assertIn(moved[2] - panel[2], range(10, 30))
+        self.assertGreater(len(set(self.picture())), 50)
+
+    def test_the_window_does_not_become_too_small_to_use(self):
+        self.open(self.small_head())
+        self.drag_corner(-900, -700)
+        self.wait_for(lambda: self.places()[0][2:] == [600, 360], "it has another size")
+
+    def test_twice_the_resolution_makes_everything_twice_as_large(self):
+        desktop = (r"HKCU\Control Panel\Desktop", "/v", "LogPixels")
+        self.desk.output_of("reg", "add", *desktop, "/t", "REG_DWORD", "/d", "192", "/f")
+        self.addCleanup(self.desk.output_of, "reg", "add", *desktop, "/t", "REG_DWORD", "/d", "96", "/f")
+        self.open(self.small_head())
+        self.assertEqual(self.find(text="Front")["place"][2:], [172, 52])
 
 
 class BesideTheCommandLine(ViewerTest):
@@ -151,6 +239,15 @@ class Controls(ViewerTest):
         self.key("Tab", "space")
         self.wait_for(lambda: "--rotate -90,0,0 " in self.find(id=1060)["text"], "it does not look at the front")
         self.assertNotEqual(self.picture(), before)
+
+
+class Manifest(unittest.TestCase):
+    def test_tells_the_system_not_to_enlarge_the_window_by_itself(self):
+        program = pefile.PE(os.environ["VIEW_EXE"])
+        manifests = [kind for kind in program.DIRECTORY_ENTRY_RESOURCE.entries
+                     if kind.id == pefile.RESOURCE_TYPE["RT_MANIFEST"]]
+        data = manifests[0].directory.entries[0].directory.entries[0].data.struct
+        self.assertIn(b">PerMonitorV2, PerMonitor</dpiAwareness>", program.get_data(data.OffsetToData, data.Size))
 
 
 class Trouble(ViewerTest):
