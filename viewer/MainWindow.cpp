@@ -19,7 +19,7 @@ constexpr UINT_PTR kTimer = 1;
 constexpr UINT kTickMilliseconds = 100;
 
 constexpr int kFirstWidth = 1060; // at 96 dots per inch
-constexpr int kFirstHeight = 772;
+constexpr int kFirstHeight = 800;
 constexpr int kLeastWidth = 600;
 constexpr int kLeastHeight = 360;
 
@@ -270,6 +270,8 @@ void MainWindow::Refresh() {
     panel_->Show(picture_->Shown() != nullptr ? picture_->Shown()->range : tools::Interval{0, 1});
     panel_->ShowCommand(ShownCommand());
     ShowInMenu(GetMenu(window_), state_);
+    // Paint comes last as well.
+    RedrawWindow(window_, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
 }
 
 void MainWindow::ShowStatus(bool numbers) {

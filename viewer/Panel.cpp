@@ -9,6 +9,7 @@
 #include "Names.h"
 #include "PanelControls.h"
 #include "Screen.h"
+#include "StatusText.h"
 #include "Text.h"
 
 namespace z3d::viewer {
@@ -297,7 +298,7 @@ void Panel::ShowRange(const Interval& shown) {
     const float ends[] = {range.low, range.high};
     for (int i = 0; i < 2; ++i) {
         SetSlider(Control(kRangeSlider + i), 0, kSliderSteps, StepOf(ends[i], rangeEnds_));
-        SetText(Control(kRangeValue + i), Format("%.4g", double{ends[i]}));
+        SetText(Control(kRangeValue + i), RangeEndText(ends[i]));
     }
     Tick(Control(kAutomatic), !fixed);
 }
@@ -312,6 +313,15 @@ void Panel::ShowCrop() {
     Enable(Control(kWholeVolume), IsCropped(state_.view));
 }
 
-void Panel::ShowCommand(const std::string& text) { SetText(Control(kCommandText), text); }
+// A text of several lines scrolls as it changes, and some systems move the painted lines of the old one. So all of
+// it is painted anew.
+void Panel::ShowCommand(const std::string& text) {
+    const HWND edit = Control(kCommandText);
+    if (TextOf(edit) == text) return;
+    SendMessageW(edit, WM_SETREDRAW, FALSE, 0);
+    SetText(edit, text);
+    SendMessageW(edit, WM_SETREDRAW, TRUE, 0);
+    InvalidateRect(edit, nullptr, TRUE);
+}
 
 } // namespace z3d::viewer

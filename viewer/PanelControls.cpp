@@ -82,9 +82,9 @@ constexpr ControlPlan kPlan[] = {
     {kCropSlider + 5, TRACKBAR_CLASSW, L"", kSlider, 152, 521, 94, 24},
     {kCropValue + 5, kStatic, L"", SS_LEFT | SS_NOPREFIX, 248, 525, 36, 18},
     {kWholeVolume, kButton, L"Whole volume", kPush, 16, 547, 131, 26},
-    {0, kButton, L"The same picture from the command line", BS_GROUPBOX, 6, 580, 288, 104},
-    {kCommandText, L"EDIT", L"", kText, 16, 598, 266, 50},
-    {kCopyCommand, kButton, L"Copy", kPush, 16, 652, 131, 26},
+    {0, kButton, L"The same picture from the command line", BS_GROUPBOX, 6, 580, 288, 130},
+    {kCommandText, L"EDIT", L"", kText, 16, 598, 266, 76},
+    {kCopyCommand, kButton, L"Copy", kPush, 16, 678, 131, 26},
 };
 
 } // namespace

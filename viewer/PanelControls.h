@@ -37,7 +37,7 @@ struct ControlPlan {
 };
 
 inline constexpr int kPanelWidth = 300;
-inline constexpr int kPanelHeight = 688;
+inline constexpr int kPanelHeight = 714;
 
 std::span<const ControlPlan> PanelPlan();
 

@@ -1,5 +1,7 @@
 #include "StatusText.h"
 
+#include <cmath>
+
 #include "Text.h"
 
 namespace z3d::viewer {
@@ -27,6 +29,8 @@ std::string PointerText(const Frame& frame, int column, int row) {
     const std::string value = ValueAt(frame, column, row);
     return value.empty() ? "" : Format("(%d, %d): %s", column, row, value.c_str());
 }
+
+std::string RangeEndText(double value) { return Format(std::fabs(value) < 1000 ? "%.4g" : "%.0f", value); }
 
 const char* KeysText() {
     return "Mouse\n"

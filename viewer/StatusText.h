@@ -16,6 +16,9 @@ std::string SpeedText(double picturesPerSecond);                   // "92 pictur
 // "(120, 85): 173", or nothing outside the picture. Column and row from 0.
 std::string PointerText(const Frame& frame, int column, int row);
 
+// An end of the range from black to white, as short as the panel needs it: "0.25", "18050".
+std::string RangeEndText(double value);
+
 const char* KeysText();
 
 } // namespace z3d::viewer
