@@ -15,7 +15,11 @@ constexpr char kFirstMode[] = "surface";
 
 ModeSettings DefaultSettings(const tools::Mode& mode, VoxelType type) {
     const bool colour = type == VoxelType::Rgb8;
-    return {colour ? mode.colourWindow : mode.greyWindow, mode.defaultExtra, {RangeKind::OfMode, {}}};
+    Interval window = colour ? mode.colourWindow : mode.greyWindow;
+    // The empty voxels around an object are the darkest and the first: nothing else would be seen.
+    const bool showsEmptiness = mode.number == RenderModeMinimum || mode.number == RenderModeFirstHit;
+    if (showsEmptiness) window.low = 1;
+    return {window, mode.defaultExtra, {RangeKind::OfMode, {}}};
 }
 
 CropBox WholeBox(const VolumeSize& size) {

@@ -81,6 +81,15 @@ TEST(View, EveryModeKeepsItsOwnSettings) {
     EXPECT_EQ(view.Settings().window.low, 60);
 }
 
+TEST(View, DarkestAndFirstVoxelsAreNotThoseOfTheEmptinessAround) {
+    View view = GreyView();
+    for (const char* mode : {"min", "first"}) {
+        SetMode(view, mode);
+        EXPECT_EQ(view.Settings().window.low, 1) << mode;
+        EXPECT_EQ(view.Settings().window.high, 255) << mode;
+    }
+}
+
 TEST(View, EndsOfTheWindowPushEachOther) {
     View view = GreyView();
     SetWindowLow(view, 300);
