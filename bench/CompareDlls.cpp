@@ -76,7 +76,8 @@ public:
             {[&] { call(older_, nullptr); }, [&] { call(newer_, nullptr); }}, options_.seconds);
         const double ratio = seconds[0] / seconds[1];
         std::printf("%-44s %9.3f %9.3f %6.2fx %9u %6u%s\n", name.c_str(), seconds[0] * 1e3, seconds[1] * 1e3,
-                    ratio, FaultsOf(older_, call), FaultsOf(newer_, call), same ? "" : "   DIFFERS");
+                    ratio, bench::PageFaultsOf([&] { call(older_, nullptr); }),
+                    bench::PageFaultsOf([&] { call(newer_, nullptr); }), same ? "" : "   DIFFERS");
         std::fflush(stdout);
         ratios_[group].push_back(ratio);
         ratios_["all rows"].push_back(ratio);
@@ -102,12 +103,6 @@ public:
     }
 
 private:
-    static std::uint32_t FaultsOf(const LoadedDll& dll, const Call& call) {
-        const std::uint32_t before = bench::PageFaults();
-        call(dll, nullptr);
-        return bench::PageFaults() - before;
-    }
-
     const LoadedDll& older_;
     const LoadedDll& newer_;
     const Options& options_;

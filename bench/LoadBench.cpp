@@ -1,10 +1,11 @@
 // ns per sample of the image primitives and of the way from channel files to a volume.
 //
-// Each row ends in two ratios: how many times faster than the plain form, and how many times slower than the
-// floor. The floor of a primitive is a memcpy that moves as many bytes; that of the pipeline is the reading of the
-// files and the filling of the result's bytes.
+// Each row has two ratios, how many times faster than the plain form, and how many times slower than the floor, and ends
+// in the page faults of a call. The floor of a primitive is a memcpy that moves as many bytes; that of the pipeline is the
+// reading of the files and the filling of the result's bytes.
 #include "BenchInput.h"
 #include "ChannelFiles.h"
+#include "PageFaults.h"
 #include "PairedTimer.h"
 
 #include "compose/RgbImagePipeline.h"
@@ -62,11 +63,11 @@ struct Images {
     }
 };
 
-void PrintRow(const std::string& name, double nanoseconds, double plain, double floor) {
+void PrintRow(const std::string& name, double nanoseconds, double plain, double floor, std::uint32_t faults) {
     std::printf("%-44s %8.3f", name.c_str(), nanoseconds);
     if (plain > 0) std::printf(" %8.3f %6.1fx", plain, plain / nanoseconds);
     if (!(plain > 0)) std::printf(" %8s %6s ", "-", "-");
-    std::printf(" %8.3f %6.2fx\n", floor, nanoseconds / floor);
+    std::printf(" %8.3f %6.2fx %7u\n", floor, nanoseconds / floor, faults);
     std::fflush(stdout);
 }
 
@@ -85,7 +86,8 @@ public:
         const std::vector<double> seconds =
             TimeInTurn({[&] { (void)product(); }, [&] { (void)plain(); }, copy}, options_.seconds);
         const double scale = 1e9 / static_cast<double>(samples);
-        PrintRow(name, seconds[0] * scale, seconds[1] * scale, seconds[2] * scale);
+        PrintRow(name, seconds[0] * scale, seconds[1] * scale, seconds[2] * scale,
+                 bench::PageFaultsOf([&] { (void)product(); }));
         checksum_ += to[bytes / 4];
     }
 
@@ -194,12 +196,12 @@ void MeasurePipeline(const reference::Volume& head, const Options& options) {
         if (!options.Wants(row.name)) continue;
         const ChannelFiles files(head, row.is8bit);
         ::Volume3D* result = Load(files, head, row);
-        const std::vector<double> seconds = TimeInTurn({[&] { frame::GlobalFree3D(Load(files, head, row)); },
-                                                        [&] { ReadAndFill(files, head, row, *result); }},
-                                                       options.seconds * 6);
+        const auto load = [&] { frame::GlobalFree3D(Load(files, head, row)); };
+        const std::vector<double> seconds =
+            TimeInTurn({load, [&] { ReadAndFill(files, head, row, *result); }}, options.seconds * 6);
         frame::GlobalFree3D(result);
         const double scale = 1e9 / (3.0 * static_cast<double>(head.voxels.size()));
-        PrintRow(row.name, seconds[0] * scale, 0, seconds[1] * scale);
+        PrintRow(row.name, seconds[0] * scale, 0, seconds[1] * scale, bench::PageFaultsOf(load));
     }
 }
 
@@ -208,8 +210,8 @@ void MeasurePipeline(const reference::Volume& head, const Options& options) {
 int main(int argc, char** argv) {
     const Options options = bench::ReadOptions(argc, argv, kUsage);
     const reference::Volume head = bench::LoadHead(options.head);
-    std::printf("%-44s %8s %8s %7s %8s %7s\n", "ns per sample", "product", "plain", "ratio", "floor",
-                "ratio");
+    std::printf("%-44s %8s %8s %7s %8s %7s %7s\n", "ns per sample", "product", "plain", "ratio", "floor",
+                "ratio", "faults");
     Images images(head);
     MeasurePrimitives(images, options);
     MeasurePipeline(head, options);

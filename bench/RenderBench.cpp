@@ -1,7 +1,8 @@
-// ns per sample of every kernel on every instruction set, and the ratio to the plain form in the same run. At the
-// end, how much more a sample costs in a volume of eight times the voxels.
+// ns per sample of every kernel on every instruction set, the ratio to the plain form in the same run, and the page faults
+// of a call. At the end, how much more a sample costs in a volume of eight times the voxels.
 #include "BenchInput.h"
 #include "BenchRows.h"
+#include "PageFaults.h"
 #include "PairedTimer.h"
 
 #include "frame/Volume3D.h"
@@ -87,7 +88,7 @@ void Measure(const reference::Volume& volume, const HostVolume& host, const std:
         figures[name].push_back(seconds[index] / samples * 1e9);
         std::printf("  %6.3f %5.1fx", figures[name].back(), seconds[0] / seconds[index]);
     }
-    std::printf("\n");
+    std::printf("  %6u\n", bench::PageFaultsOf(candidates.back()));
     std::fflush(stdout);
 }
 
@@ -145,7 +146,7 @@ int main(int argc, char** argv) {
     const Options options = bench::ReadOptions(argc, argv, kUsage);
     const reference::Volume head = bench::LoadHead(options.head);
     std::printf("ns per sample: plain form | SSE2, AVX2, AVX-512, AVX-512 with gathers where the processor "
-                "has them, each with its ratio\n");
+                "has them, each with its ratio | page faults of a call\n");
     MeasureSweep(head, "head", options);
     Figures figures;
     for (const VolumeRows& rows : bench::AllRows(head))
