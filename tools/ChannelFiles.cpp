@@ -40,7 +40,7 @@ public:
         // The last phase comes without a start.
         if (percent < percent_) Start();
         percent_ = percent;
-        const int parts = static_cast<int>(percent) * kParts / 100;
+        const int parts = static_cast<int>(percent) * static_cast<int>(kParts) / 100;
         // A console takes longer over a line than the library over a slice.
         const double now = SecondsNow();
         if (parts == drawn_ || now < drawnAt_ + 0.05) return;
@@ -107,7 +107,7 @@ ChannelImage OpenChannels::Load() const {
     const NoMessageBoxes unseen;
     SetRenderMsgTitle("zentra");
     LoadProgress progress;
-    const auto user = std::bit_cast<unsigned int>(ErrorsGoToConsole() ? &progress : nullptr);
+    const auto user = std::bit_cast<std::size_t>(ErrorsGoToConsole() ? &progress : nullptr);
     const VolumeSize& size = request_.size;
     ChannelImage image = {};
     const double start = SecondsNow();

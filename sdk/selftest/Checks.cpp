@@ -145,7 +145,7 @@ void CheckFiles(const Library& library, Report& report) {
         return Z3D_FUNCTION(library, GetRGBImage)(red.Path(), green.Path(), blue.Path(), kBallsWidth,
                                                   kBallsHeight, kBallsDepth, 0, 0, 0, 1, kColourDiagonal,
                                                   &high, &low, nullptr, nullptr,
-                                                  reinterpret_cast<unsigned int>(&progress), &OnProgress, 0);
+                                                  reinterpret_cast<std::size_t>(&progress), &OnProgress, 0);
     };
     Progress whole = {101, 0};
     Volume3D* volume = load(whole);

@@ -29,8 +29,8 @@ const char* Explain(DWORD error) {
     case ERROR_FILE_NOT_FOUND:
         return "it was not found: put it into the folder of the program that uses it";
     case ERROR_BAD_EXE_FORMAT:
-        return "the file is not a 32-bit DLL, or is damaged: this is a 32-bit program, and takes 32-bit DLLs "
-               "only";
+        return "the file is not a " SELFTEST_BITS "-bit DLL, or is damaged: this is a " SELFTEST_BITS
+               "-bit program, and takes " SELFTEST_BITS "-bit DLLs only";
     case ERROR_ACCESS_DENIED:
         return "access to the file is denied";
     default:

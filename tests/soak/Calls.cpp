@@ -187,7 +187,7 @@ int Calls::LoadFiles() {
     Volume3D* volume = Dll().GetRGBImage(
         file, random_.Chance(3) ? nullptr : file, file, kFileSide, kFileSide, kFileSide, 0, 0, 0, is8bit,
         static_cast<short>(random_.Between(0, 12)), &range[0], &range[1], &range[2], &range[3],
-        reinterpret_cast<unsigned int>(&left), random_.Chance(4) ? nullptr : CountDown, random_.Chance(3));
+        reinterpret_cast<std::size_t>(&left), random_.Chance(4) ? nullptr : CountDown, random_.Chance(3));
     Dll().Free3DData(volume);
     return 2;
 }

@@ -1,4 +1,4 @@
-// Renders 3D image volumes with Zentra3DRendering.dll, a 32-bit Windows DLL: build for x86. The DLL lies beside the
+// Renders 3D image volumes with Zentra3DRendering.dll, a Windows DLL: build for its platform, x86 or x64. It lies beside the
 // program. Its header, Zentra3DRendering.h, is the reference for what each function does.
 using System;
 using System.IO;

@@ -1,11 +1,11 @@
-{ Renders 3D image volumes with Zentra3DRendering.dll, a 32-bit Windows DLL, in Delphi and in Free Pascal.
+{ Renders 3D image volumes with Zentra3DRendering.dll, a Windows DLL for Win32 or Win64, in Delphi and in Free Pascal.
   The DLL lies beside the program. Its header, Zentra3DRendering.h, is the reference for what each function does. }
 unit Zentra3D;
 
 {$IFDEF FPC}{$MODE DELPHI}{$PACKRECORDS C}{$ELSE}{$ALIGN 8}{$ENDIF}
-{$IFNDEF WIN32}
-  {$MESSAGE FATAL 'Zentra3DRendering.dll is a 32-bit Windows DLL: choose the target platform Win32'}
-{$ENDIF}
+{$IFNDEF WIN32}{$IFNDEF WIN64}
+  {$MESSAGE FATAL 'Zentra3DRendering.dll is a Windows DLL: choose the target platform Win32 or Win64'}
+{$ENDIF}{$ENDIF}
 
 interface
 
@@ -53,7 +53,7 @@ type
   TZentraMatrix = array[0..8] of Double;
   TZentraRotation = array[0..8] of Single;
 
-  TProgressCallback = function(User: LongWord; Code: Integer; Value: LongWord): Integer; stdcall;
+  TProgressCallback = function(User: NativeUInt; Code: Integer; Value: LongWord): Integer; stdcall;
 
 const
   OrderXYZ: TAxisOrder = (0, 1, 2);
@@ -72,7 +72,7 @@ procedure GetRotDim(Volume: PVolume3D; const Rotation: TZentraRotation; X0, X1, 
 function GetRotProjection(Volume: PVolume3D; const Rotation: TZentraRotation; Mode, X0, X1, Y0, Y1, Z0, Z1: SmallInt;
   High, Low, Extra: Single; out Width, Height: Word; Reserved: Integer): PSingle; stdcall; external ZentraDll;
 function GetRGBImage(Red, Green, Blue: PAnsiChar; Width, Height, Depth: SmallInt; Reserved1, Reserved2,
-  Reserved3: Integer; Is8Bit, MaxDiagonal: SmallInt; OutMax, OutMin, RangeMax, RangeMin: PSingle; User: LongWord;
+  Reserved3: Integer; Is8Bit, MaxDiagonal: SmallInt; OutMax, OutMin, RangeMax, RangeMin: PSingle; User: NativeUInt;
   Callback: TProgressCallback; KeepChannelsApart: Integer): PVolume3D; stdcall; external ZentraDll;
 function SetRenderMsgTitle(Title: PAnsiChar): PAnsiChar; stdcall; external ZentraDll;
 procedure CreateRotateMatrix(out Matrix: TZentraMatrix; const Order: TAxisOrder; AngleX, AngleY, AngleZ: Single);
@@ -288,7 +288,7 @@ begin
 end;
 
 { What the library calls. No exception may pass through it. }
-function OnProgress(User: LongWord; Code: Integer; Value: LongWord): Integer; stdcall;
+function OnProgress(User: NativeUInt; Code: Integer; Value: LongWord): Integer; stdcall;
 var
   Load: PLoad;
   Percent: Single;
@@ -377,7 +377,7 @@ begin
   Load.Cancelled := False;
   Load.Raised := nil;
   FHandle := GetRGBImage(PointerOrNil(RedName), PointerOrNil(GreenName), PointerOrNil(BlueName), Width, Height, Depth,
-    0, 0, 0, Ord(not AreSingles), MaxDiagonal, @FDisplayHigh, @FDisplayLow, nil, nil, LongWord(@Load), Callback,
+    0, 0, 0, Ord(not AreSingles), MaxDiagonal, @FDisplayHigh, @FDisplayLow, nil, nil, NativeUInt(@Load), Callback,
     Ord(KeepChannelsApart));
   if Load.Raised <> nil then
     raise Load.Raised;

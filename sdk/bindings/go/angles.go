@@ -1,11 +1,8 @@
-//go:build windows && 386
+//go:build windows && (386 || amd64)
 
 package zentra3d
 
-import (
-	"math"
-	"unsafe"
-)
+import "unsafe"
 
 // Axis indexes of an AxisOrder.
 const (
@@ -78,39 +75,21 @@ func (m Matrix) AnglesYZX() (a Angles) {
 	return a
 }
 
-// A double takes two argument slots.
-func doubleArgument(value float64) (low, high uintptr) {
-	bits := math.Float64bits(value)
-	return uintptr(uint32(bits)), uintptr(bits >> 32)
-}
-
 // AnglesXY gives the X and Y angles of column 2 of a matrix, and the matrix of these two with another Z angle.
 func AnglesXY(m02, m12, m22 float64, angleZ float32) (m Matrix, angleX, angleY float32) {
-	a, b := doubleArgument(m02)
-	c, d := doubleArgument(m12)
-	e, f := doubleArgument(m22)
-	getAngleXY.Call(uintptr(unsafe.Pointer(&m)), a, b, c, d, e, f, uintptr(unsafe.Pointer(&angleX)),
-		uintptr(unsafe.Pointer(&angleY)), floatArgument(angleZ))
+	callWithColumn(getAngleXY, &m, [3]float64{m02, m12, m22}, &angleX, &angleY, angleZ)
 	return m, angleX, angleY
 }
 
 // AnglesZX gives the X and Z angles of column 1 of a matrix, and the matrix of these two with another Y angle.
 func AnglesZX(m01, m11, m21 float64, angleY float32) (m Matrix, angleX, angleZ float32) {
-	a, b := doubleArgument(m01)
-	c, d := doubleArgument(m11)
-	e, f := doubleArgument(m21)
-	getAngleZX.Call(uintptr(unsafe.Pointer(&m)), a, b, c, d, e, f, uintptr(unsafe.Pointer(&angleX)),
-		uintptr(unsafe.Pointer(&angleZ)), floatArgument(angleY))
+	callWithColumn(getAngleZX, &m, [3]float64{m01, m11, m21}, &angleX, &angleZ, angleY)
 	return m, angleX, angleZ
 }
 
 // AnglesYZ gives the Y and Z angles of column 0 of a matrix, and the matrix of these two with another X angle.
 func AnglesYZ(m00, m10, m20 float64, angleX float32) (m Matrix, angleY, angleZ float32) {
-	a, b := doubleArgument(m00)
-	c, d := doubleArgument(m10)
-	e, f := doubleArgument(m20)
-	getAngleYZ.Call(uintptr(unsafe.Pointer(&m)), a, b, c, d, e, f, uintptr(unsafe.Pointer(&angleY)),
-		uintptr(unsafe.Pointer(&angleZ)), floatArgument(angleX))
+	callWithColumn(getAngleYZ, &m, [3]float64{m00, m10, m20}, &angleY, &angleZ, angleX)
 	return m, angleY, angleZ
 }
 

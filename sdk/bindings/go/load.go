@@ -1,4 +1,4 @@
-//go:build windows && 386
+//go:build windows && (386 || amd64)
 
 package zentra3d
 
@@ -58,7 +58,7 @@ var (
 func onProgress(user, code, value uintptr) (answer uintptr) {
 	found, _ := loads.Load(user)
 	load, ok := found.(*loading)
-	if !ok || code != codePercent {
+	if !ok || uint32(code) != codePercent { // the upper half of a register says nothing
 		return 0
 	}
 	defer func() { // no panic may pass through the library

@@ -1,6 +1,7 @@
-//go:build windows && 386
+//go:build windows && (386 || amd64)
 
-// Package zentra3d renders 3D image volumes with Zentra3DRendering.dll, a 32-bit Windows DLL. It needs no cgo:
+// Package zentra3d renders 3D image volumes with Zentra3DRendering.dll. It needs no cgo; 386 takes the 32-bit DLL, amd64
+// the 64-bit one:
 //
 //	GOOS=windows GOARCH=386 go build
 //

@@ -42,7 +42,8 @@ static FARPROC Find(const char* name) {
 
 static const char* Reason(DWORD error) {
     if (error == ERROR_MOD_NOT_FOUND) return "it is neither beside this program nor on the path";
-    if (error == ERROR_BAD_EXE_FORMAT) return "program and DLL differ in bitness; both have to be 32-bit";
+    if (error == ERROR_BAD_EXE_FORMAT)
+        return "program and DLL differ in bitness; take the archive for the other one";
     return "see the number";
 }
 

@@ -29,12 +29,15 @@ func files() zentra3d.Channels {
 
 // privateBytes is the memory that the process has for itself.
 func privateBytes() int {
-	var counters [10]uint32
-	counters[0] = uint32(unsafe.Sizeof(counters))
+	var counters struct {
+		size, faults uint32
+		bytes        [8]uintptr
+	}
+	counters.size = uint32(unsafe.Sizeof(counters))
 	process, _ := syscall.GetCurrentProcess()
 	syscall.NewLazyDLL("kernel32.dll").NewProc("K32GetProcessMemoryInfo").Call(uintptr(process),
 		uintptr(unsafe.Pointer(&counters)), unsafe.Sizeof(counters))
-	return int(counters[8])
+	return int(counters.bytes[6])
 }
 
 func growth(times int, body func()) int {
