@@ -1,4 +1,5 @@
 #include "exports/ForeignCallMachine.h"
+#include "exports/HostSide.h"
 
 namespace z3d::test {
 namespace {

@@ -71,7 +71,4 @@ struct CallOutcome {
 CallOutcome CallForeign(const void* function, std::span<const Slot> slots, unsigned misalignment,
                         const FloatingPointEnvironment& before);
 
-// Exceptions raised so far in this program, inside foreign calls or not.
-int ExceptionsRaised();
-
 } // namespace z3d::test
