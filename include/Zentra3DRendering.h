@@ -344,10 +344,10 @@ typedef int(Z3D_CALL* ProgressCallback)(size_t user, int code, unsigned int valu
  * Loads up to three raw channel files of the same stored size, fits them into a given diagonal, and makes one
  * volume of them.
  *   redFile, greenFile, blueFile
- *                    paths in the system's 8-bit code page; null or empty: no such channel, all its samples count
- *                    as 0. Files hold `depth` slices of `height` rows of `width` samples, without a header or
- *                    padding; what they lack at the end is zero, what is beyond is ignored. Others may read them
- *                    meanwhile; a file that someone has open for writing cannot be opened.
+ *                    paths in the system's 8-bit code page, on Linux bytes; null or empty: no such channel, all its
+ *                    samples count as 0. Files hold `depth` slices of `height` rows of `width` samples, without a
+ *                    header or padding; what they lack at the end is zero, what is beyond is ignored. Others may read
+ *                    them meanwhile; on Windows a file that someone has open for writing cannot be opened.
  *   width, height, depth
  *                    the stored size, in samples; 1 to 32767 each
  *   reserved1..3     ignored
@@ -388,9 +388,9 @@ typedef int(Z3D_CALL* ProgressCallback)(size_t user, int code, unsigned int valu
  *          read, the user is told first, in a modal message box ("Cannot open file", "Out of memmory"; see
  *          SetRenderMsgTitle); there is no other message. The box waits for its OK. A host without a user keeps it
  *          away with a WH_CBT hook on the calling thread (SetWindowsHookEx) that returns 1 for HCBT_CREATEWND: the
- *          call then ends with null at once. Null without a message: a cancel, a stored size below
- *          1, no file named at all, memory that runs short later. The two display range outputs are then
- *          unspecified; the other two are start values or a range.
+ *          call then ends with null at once. On Linux nobody is told, and it always does. Null without a message: a
+ *          cancel, a stored size below 1, no file named at all, memory that runs short later. The display range
+ *          outputs are then unspecified; the other two are start values or a range.
  * Owner    the host; release with Free3DData or GlobalFree3D.
  * Threads  any; the message box belongs to the calling thread's active window, and messages of that thread are
  *          dispatched while it is open.

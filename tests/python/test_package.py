@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -63,6 +64,14 @@ def test_one_version():
     assert f'\nversion = "{zentra3d.__version__}"\n' in project
     lists = (PACKAGE.parents[3] / "CMakeLists.txt").read_text(encoding="utf-8")
     assert f"\n  VERSION {zentra3d.__version__}\n" in lists
+
+
+def test_the_lines_of_the_readme():
+    readme = (PACKAGE.parents[3] / "README.md").read_text(encoding="utf-8")
+    lines = re.search(r"^```python\n(.*?)^```$", readme, re.MULTILINE | re.DOTALL).group(1)
+    names = {"array": np.full((4, 5, 6), 9, np.uint8)}
+    exec(lines, names)
+    assert names["picture"].max() == 9 and len(names["turn"]) == 72
 
 
 def test_the_head_read_with_nibabel():
