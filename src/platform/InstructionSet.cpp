@@ -25,11 +25,10 @@ constexpr bool Has(std::uint32_t flags, std::uint32_t wanted) { return (flags & 
 constexpr int kUnknown = -1;
 
 // Every thread that asks first would store the same.
+std::atomic<int> best{kUnknown};
 std::atomic<int> current{kUnknown};
 
-} // namespace
-
-InstructionSet BestInstructionSet() {
+InstructionSet AskForBest() {
     std::uint32_t eax = 0;
     std::uint32_t ebx = 0;
     std::uint32_t ecx = 0;
@@ -46,6 +45,18 @@ InstructionSet BestInstructionSet() {
         return InstructionSet::Avx2;
     }
     return Has(edx, bit_AVX512FP16) ? InstructionSet::Avx512Gather : InstructionSet::Avx512;
+}
+
+} // namespace
+
+// Asked once: on a virtual machine a question to the processor takes as long as a small picture.
+InstructionSet BestInstructionSet() {
+    int known = best.load(std::memory_order_relaxed);
+    if (known == kUnknown) {
+        known = static_cast<int>(AskForBest());
+        best.store(known, std::memory_order_relaxed);
+    }
+    return static_cast<InstructionSet>(known);
 }
 
 InstructionSet CurrentInstructionSet() {
