@@ -50,27 +50,23 @@ std::vector<KernelCase> AllKernels() {
     return result;
 }
 
-reference::Request KernelDifferential::ViewOf(const reference::Volume& volume, const Rotation& rotation) {
-    return ViewOf(volume, rotation, -1.0f, 766.0f);
-}
-
-reference::Request KernelDifferential::ViewOf(const reference::Volume& volume, const Rotation& rotation,
-                                              float low, float high) {
-    reference::Request request = PlainRequest(volume, GetParam().mode, rotation);
+reference::Request ViewOf(const KernelCase& kernel, const reference::Volume& volume, const Rotation& rotation,
+                          float low, float high) {
+    reference::Request request = PlainRequest(volume, kernel.mode, rotation);
     request.low = low;
     request.high = high;
-    request.extraBits = std::bit_cast<std::uint32_t>(GetParam().extra);
+    request.extraBits = std::bit_cast<std::uint32_t>(kernel.extra);
     return request;
 }
 
-void KernelDifferential::SetVoxel(reference::Volume& volume, int x, int y, int z, const Colour& colour) {
+void SetVoxel(reference::Volume& volume, int x, int y, int z, const Colour& colour) {
     for (int channel = 0; channel < volume.bytesPerVoxel; ++channel) {
         VoxelByte(volume, x, y, z, channel) =
             static_cast<std::uint8_t>(colour[static_cast<std::size_t>(channel)]);
     }
 }
 
-void KernelDifferential::Fill(reference::Volume& volume, const Colour& colour) {
+void Fill(reference::Volume& volume, const Colour& colour) {
     for (std::size_t byte = 0; byte < volume.voxels.size(); ++byte) {
         const std::size_t channel = byte % static_cast<std::size_t>(volume.bytesPerVoxel);
         volume.voxels[byte] = static_cast<std::uint8_t>(colour[channel]);

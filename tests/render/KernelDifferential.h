@@ -1,5 +1,5 @@
-// The product against the plain form on chosen volumes and views: a suite per topic, run for every kernel (mode,
-// kind of surface, grey or colour), bit for bit on every instruction set that the processor has.
+// The product against the plain form on chosen volumes and views, for every kernel (mode, kind of surface, grey or
+// colour), bit for bit on every instruction set that the processor has.
 #pragma once
 
 #include "support/HostVolume.h"
@@ -41,27 +41,31 @@ private:
     const HostVolume host_;
 };
 
+using Colour = std::array<int, 3>;
+
+// Grey takes the first channel.
+void SetVoxel(reference::Volume& volume, int x, int y, int z, const Colour& colour);
+void Fill(reference::Volume& volume, const Colour& colour);
+// What the window looks at.
+inline int ValueOf(const Colour& colour, int bytesPerVoxel) {
+    return bytesPerVoxel == 1 ? colour[0] : colour[0] + colour[1] + colour[2];
+}
+
+// The whole volume as a kernel sees it. The window has every value inside, also where it is strict; for colour it is
+// one of channel sums.
+reference::Request ViewOf(const KernelCase& kernel, const reference::Volume& volume, const Rotation& rotation,
+                          float low = -1, float high = 766);
+
+// For suites that are more than volumes and views: those stand in the table of views (ViewTable.h).
 class KernelDifferential : public ::testing::TestWithParam<KernelCase> {
 protected:
-    using Colour = std::array<int, 3>;
-
     static int BytesPerVoxel() { return GetParam().bytesPerVoxel; }
     static VolumeSize Size(int width, int height, int depth) {
         return {width, height, depth, BytesPerVoxel()};
     }
-
-    // The whole volume with every value inside the window, also where the window is strict.
-    static reference::Request ViewOf(const reference::Volume& volume, const Rotation& rotation);
-    // The same with a window, which for colour is one of channel sums.
-    static reference::Request ViewOf(const reference::Volume& volume, const Rotation& rotation, float low,
-                                     float high);
-
-    // Grey takes the first channel.
-    static void SetVoxel(reference::Volume& volume, int x, int y, int z, const Colour& colour);
-    static void Fill(reference::Volume& volume, const Colour& colour);
-    // What the window looks at.
-    static int ValueOf(const Colour& colour) {
-        return BytesPerVoxel() == 1 ? colour[0] : colour[0] + colour[1] + colour[2];
+    static reference::Request ViewOf(const reference::Volume& volume, const Rotation& rotation,
+                                     float low = -1, float high = 766) {
+        return test::ViewOf(GetParam(), volume, rotation, low, high);
     }
 };
 

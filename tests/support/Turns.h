@@ -56,6 +56,27 @@ constexpr Rotation Rounded(const DoubleMatrix& matrix) {
     return rotation;
 }
 
+// Quarter turns as hosts compute them: with exact zeros, in double precision, and in single precision.
+inline constexpr std::array<double, 3> kCosinesOf90 = {0, 6.123233995736766e-17, -4.371138828673793e-8};
+
+constexpr Angle HostQuarters(int turns, double cosineOf90) {
+    const Angle exact = Quarters(turns);
+    const double small = cosineOf90 * ((turns & 3) == 3 ? 3 : (turns & 3));
+    return {exact.cosine == 0 ? small : exact.cosine, exact.sine == 0 ? small : exact.sine};
+}
+
+// An angle about one axis and quarter turns about the two others, in either order.
+constexpr Rotation Turntable(int axis, const Angle& angle, int quarters, double cosineOf90,
+                             bool isFirstInnermost) {
+    std::array<DoubleMatrix, 3> turns = {};
+    for (int other = 0; other < 3; ++other) {
+        const Angle quarter = HostQuarters(other < 2 ? quarters : quarters / 4, cosineOf90);
+        turns[static_cast<std::size_t>(other)] = AboutAxis(other, other == axis ? angle : quarter);
+    }
+    return Rounded(isFirstInnermost ? Product(Product(turns[2], turns[1]), turns[0])
+                                    : Product(Product(turns[0], turns[1]), turns[2]));
+}
+
 // A view whose rays run along a volume axis, forwards or backwards.
 constexpr DoubleMatrix LookingAlong(int axis, bool isBackwards) {
     if (axis == 0) return AboutAxis(1, Quarters(isBackwards ? 1 : 3));
