@@ -1,5 +1,6 @@
 #include "primitives/DepthBlend.h"
 
+#include "reference/PlainPrimitives.h"
 #include "support/GuardedBytes.h"
 #include "support/OnEachInstructionSet.h"
 #include "support/RandomSource.h"
@@ -40,12 +41,8 @@ std::vector<std::uint8_t> Blend(const DepthBlend& blend, const std::vector<std::
     return result;
 }
 
-// One sample in plain words.
 double PlainBlend(const DepthBlend& blend, double a, double b) {
-    double v = a * (1 - blend.t) + b * blend.t;
-    if (v < blend.bounds.min) v = blend.bounds.min;
-    if (v > blend.bounds.max) v = blend.bounds.max;
-    return v;
+    return reference::BlendDepth(blend.t, blend.bounds.min, blend.bounds.max, a, b);
 }
 
 TEST_P(DepthBlendTest, WeighsTheTwoSlices) {
@@ -148,11 +145,13 @@ struct EveryPair {
 
     void ExpectThePlainForm(const DepthBlend& blend) const {
         const std::vector<std::uint8_t> result = Blend(blend, a, b);
-        for (std::size_t i = 0; i < a.size(); ++i) {
-            const double plain = std::clamp(PlainBlend(blend, a[i], b[i]), 0.0, 255.0);
-            ASSERT_EQ(result[i], static_cast<std::uint8_t>(plain))
-                << int{a[i]} << ", " << int{b[i]} << ", t " << std::hexfloat << blend.t;
-        }
+        const std::vector<std::uint8_t> plain =
+            reference::BlendDepth8u(blend.t, blend.bounds.min, blend.bounds.max, a, b);
+        if (result == plain) return;
+        const auto [got, wanted] = std::mismatch(result.begin(), result.end(), plain.begin());
+        const auto pair = static_cast<std::size_t>(wanted - plain.begin());
+        FAIL() << int{*got} << " instead of " << int{*wanted} << " of " << int{a[pair]} << ", "
+               << int{b[pair]} << ", t " << std::hexfloat << blend.t;
     }
 };
 

@@ -233,4 +233,21 @@ Status VecMin32f(const float* source, std::int32_t length, float* smallest) {
     return StatusNoError;
 }
 
+double BlendDepth(double t, double min, double max, double a, double b) {
+    double v = a * (1 - t) + b * t;
+    if (v < min) v = min;
+    if (v > max) v = max;
+    return v;
+}
+
+std::vector<std::uint8_t> BlendDepth8u(double t, double min, double max, const std::vector<std::uint8_t>& a,
+                                       const std::vector<std::uint8_t>& b) {
+    std::vector<std::uint8_t> result;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const double v = BlendDepth(t, min, max, a[i], b[i]);
+        result.push_back(static_cast<std::uint8_t>(v < 0 ? 0 : v > 255 ? 255 : v));
+    }
+    return result;
+}
+
 } // namespace z3d::reference

@@ -7,6 +7,7 @@
 #include "primitives/Region.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace z3d::reference {
 
@@ -50,5 +51,11 @@ Status MinMax8uC1(const std::uint8_t* source, std::int32_t sourceStep, std::int3
                   std::int32_t height, std::uint8_t* smallest, std::uint8_t* largest);
 Status VecMax32f(const float* source, std::int32_t length, float* largest);
 Status VecMin32f(const float* source, std::int32_t length, float* smallest);
+
+// Two samples as one: at t = 0 the first, at 1 the second. A NaN passes the bounds.
+double BlendDepth(double t, double min, double max, double a, double b);
+// The same of bytes, truncated to a byte.
+std::vector<std::uint8_t> BlendDepth8u(double t, double min, double max, const std::vector<std::uint8_t>& a,
+                                       const std::vector<std::uint8_t>& b);
 
 } // namespace z3d::reference
