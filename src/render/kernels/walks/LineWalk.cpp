@@ -10,15 +10,15 @@ std::int32_t SizeOf(const VoxelGrid& grid, int axis) {
 }
 
 // The grid that lines lead through: on the first axis what lies side by side, then the two others.
-VoxelGrid GridOf(const VoxelGrid& grid, const ViewLines& lines) {
-    return {nullptr, lines.Axis() == kAxisX ? grid.width : VoxelSlab::kLanes, SizeOf(grid, lines.Across(0)),
-            SizeOf(grid, lines.Across(1))};
+VoxelGrid GridOf(const VoxelGrid& grid, const Rule& rule, const ViewLines& lines) {
+    return {nullptr, lines.Axis() == kAxisX ? grid.width : VoxelSlab::LanesOf(rule.voxelBytes),
+            SizeOf(grid, lines.Across(0)), SizeOf(grid, lines.Across(1))};
 }
 
 SampleStepper StepperOf(const Projection& projection, const Rule& rule, const ViewLines& lines) {
     const float steps[3] = {0, projection.view.Inverse(lines.Across(0), 2),
                             projection.view.Inverse(lines.Across(1), 2)};
-    return {GridOf(projection.grid, lines), rule.shape, steps};
+    return {GridOf(projection.grid, rule, lines), rule.shape, steps};
 }
 
 } // namespace
@@ -73,7 +73,7 @@ void LineWalk::Render() {
     FillAround();
     if (lines_.FirstLine() > lines_.LastLine()) return;
     // Blocks are as long as states fit, or as a slab is wide.
-    const std::int32_t together = isDirect_ ? mostGroups_ * kRays : VoxelSlab::kLanes;
+    const std::int32_t together = isDirect_ ? mostGroups_ * kRays : slab_.Lanes();
     for (std::int32_t first = firstVoxel_; first <= lastVoxel_; first += together) {
         const std::int32_t rest = lastVoxel_ - first;
         RenderBlock(first, rest < together ? lastVoxel_ : first + together - 1);
@@ -116,7 +116,7 @@ void LineWalk::ChooseGroups(std::int32_t first, std::int32_t last) {
     // Rules that reduce several groups at once get whole numbers of them; what is too many is not shown.
     rows_.groups = (needed + together - 1) / together * together;
     // A slab keeps each channel of a voxel by itself; rows of the volume hold whole voxels.
-    rows_.channelBytes = isDirect_ || rule_.voxelBytes == 1 ? 0 : VoxelSlab::kLanes;
+    rows_.channelBytes = isDirect_ || rule_.voxelBytes == 1 ? 0 : static_cast<std::size_t>(slab_.Lanes());
     for (std::int32_t group = 0; group < rows_.groups; ++group) {
         base_[group] = first + group * kRays;
         rows_.offsets[group] = group * kRays;
@@ -168,7 +168,7 @@ void LineWalk::FindVoxels(int row, int samples) {
     const auto bytes = static_cast<std::size_t>(rule_.voxelBytes);
     for (int sample = 0; sample < samples; ++sample) {
         const std::uint32_t layer = indexes_.z[sample][row];
-        const std::uint8_t* voxels = isDirect_ ? projection_.grid.slices[layer] : slab_.Lanes(layer);
+        const std::uint8_t* voxels = isDirect_ ? projection_.grid.slices[layer] : slab_.LanesAt(layer);
         rows_.voxels[sample] = voxels + bytes * indexes_.plane[sample][row];
     }
     const auto width = static_cast<std::size_t>(projection_.grid.width);

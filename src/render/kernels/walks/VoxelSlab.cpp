@@ -6,7 +6,9 @@ namespace {
 constexpr int kColumns = 16;                  // bytes of a row that are transposed together
 constexpr int kParts = Z3D_VECTOR_BYTES / 16; // of a vector, each of which takes eight rows
 constexpr int kRows = 8 * kParts;             // that are transposed together
-static_assert(VoxelSlab::kLanes % kRows == 0);
+constexpr std::size_t kLine = 64;             // bytes that the cache takes together
+static_assert(VoxelSlab::kMostLanes % kRows == 0);
+constexpr bool kCanFold = kRows > VoxelSlab::kMostLanes / 2;
 
 // The widest bytes there are. Operations of 256 and 512 bits work on each part of 128 by itself, which is why a part
 // has rows of its own.
@@ -37,10 +39,15 @@ Z3D_INLINE Wide HighBytes(Wide a, Wide b) {
 #endif
 }
 
-// Sixteen bytes of row `row` of each part.
+// Sixteen bytes of row `row` of each part. In a folded vector the upper half has the rows of the lower one, but the next
+// sixteen columns.
+template <bool kIsFolded>
 Z3D_INLINE Wide LoadRows(const std::uint8_t* const* rows, int row, std::size_t column) {
     const auto part = [&](int number) {
-        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(rows[8 * number + row] + column));
+        const std::uint8_t* from = kIsFolded && number >= kParts / 2
+                                       ? rows[8 * (number - kParts / 2) + row] + column + kColumns
+                                       : rows[8 * number + row] + column;
+        return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
     };
 #if Z3D_VECTOR_BYTES == 64
     __m512i wide = _mm512_castsi128_si512(part(0));
@@ -54,34 +61,47 @@ Z3D_INLINE Wide LoadRows(const std::uint8_t* const* rows, int row, std::size_t c
 #endif
 }
 
-// Two columns, of whose rows each part holds eight: first those of the one, then those of the other.
-Z3D_INLINE void StoreColumns(Wide columns, std::uint8_t* to) {
+// Two columns, of whose rows each part holds eight: first those of the one, then those of the other. `lanes` bytes lie
+// from column to column.
+template <bool kIsFolded>
+Z3D_INLINE void StoreColumns(Wide columns, std::uint8_t* to, [[maybe_unused]] std::size_t lanes) {
 #if Z3D_VECTOR_BYTES == 64
     const __m512i order = _mm512_set_epi64(7, 5, 3, 1, 6, 4, 2, 0);
     const __m512i sorted = _mm512_permutexvar_epi64(order, reinterpret_cast<__m512i>(columns));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm512_castsi512_si256(sorted));
-    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + VoxelSlab::kLanes),
-                        _mm512_extracti64x4_epi64(sorted, 1));
+    const __m256i one = _mm512_castsi512_si256(sorted);
+    const __m256i other = _mm512_extracti64x4_epi64(sorted, 1);
+    if constexpr (kIsFolded) {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(one));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + lanes), _mm256_castsi256_si128(other));
+        to += kColumns * lanes;
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_extracti128_si256(one, 1));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + lanes), _mm256_extracti128_si256(other, 1));
+    } else {
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), one);
+        _mm256_storeu_si256(reinterpret_cast<__m256i*>(to + lanes), other);
+    }
 #elif Z3D_VECTOR_BYTES == 32
     const __m256i sorted = _mm256_permute4x64_epi64(reinterpret_cast<__m256i>(columns), 0xD8);
     _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm256_castsi256_si128(sorted));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + VoxelSlab::kLanes), _mm256_extracti128_si256(sorted, 1));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + lanes), _mm256_extracti128_si256(sorted, 1));
 #else
     const __m128 both = _mm_castsi128_ps(reinterpret_cast<__m128i>(columns));
     _mm_storel_pi(reinterpret_cast<__m64*>(to), both);
-    _mm_storeh_pi(reinterpret_cast<__m64*>(to + VoxelSlab::kLanes), both);
+    _mm_storeh_pi(reinterpret_cast<__m64*>(to + lanes), both);
 #endif
 }
 
-// Sixteen bytes of kRows rows each become sixteen columns, kLanes bytes apart. Interleaving vectors i and i + 4 moves
-// bit 2 of the row number behind the bits of the column number; after three times, vector i holds columns 2i and
-// 2i + 1. Eight vectors are all that 32-bit code has.
-Z3D_INLINE void Transpose(const std::uint8_t* const* rows, std::size_t column, std::uint8_t* to) {
+// Sixteen bytes of kRows rows each become sixteen columns; folded, 32 bytes of half as many rows become 32 columns.
+// Interleaving vectors i and i + 4 moves bit 2 of the row number behind the bits of the column number; after three
+// times, vector i holds columns 2i and 2i + 1. Eight vectors are all that 32-bit code has.
+template <bool kIsFolded>
+Z3D_INLINE void Transpose(const std::uint8_t* const* rows, std::size_t column, std::uint8_t* to,
+                          std::size_t lanes) {
     // Vector i: row i of each part.
     Wide a[8];
 #pragma GCC unroll 8
     for (int row = 0; row < 8; ++row)
-        a[row] = LoadRows(rows, row, column);
+        a[row] = LoadRows<kIsFolded>(rows, row, column);
 
         // Unrolled: vectors stay in registers only where their numbers are constants.
 #pragma GCC unroll 3
@@ -98,7 +118,13 @@ Z3D_INLINE void Transpose(const std::uint8_t* const* rows, std::size_t column, s
     }
 #pragma GCC unroll 8
     for (int pair = 0; pair < 8; ++pair)
-        StoreColumns(a[pair], to + 2 * pair * VoxelSlab::kLanes);
+        StoreColumns<kIsFolded>(a[pair], to + 2 * static_cast<std::size_t>(pair) * lanes, lanes);
+}
+
+// Asks for the cache lines that begin within the next 64 bytes of each row.
+Z3D_INLINE void Prefetch(const std::uint8_t* const* rows, std::int32_t count, std::size_t column) {
+    for (std::int32_t row = 0; row < count; ++row)
+        __builtin_prefetch(rows[row] + column);
 }
 
 } // namespace
@@ -107,8 +133,9 @@ VoxelSlab::VoxelSlab(const VoxelGrid& grid, int axis, std::int32_t voxelBytes, c
     : grid_(grid),
       axis_(axis),
       voxelBytes_(voxelBytes),
+      lanes_(LanesOf(voxelBytes)),
       extent_(extent),
-      layerBytesNeeded_(static_cast<std::uint64_t>(grid.width) * kLanes
+      layerBytesNeeded_(static_cast<std::uint64_t>(grid.width) * static_cast<std::uint64_t>(lanes_)
                         * static_cast<std::uint64_t>(voxelBytes)),
       layerBytes_(static_cast<std::size_t>(layerBytesNeeded_)) {}
 
@@ -126,36 +153,51 @@ void VoxelSlab::Fill(std::int32_t first, std::int32_t last) {
         FillLayer(first, last, other);
 }
 
-void VoxelSlab::FillLayer(std::int32_t first, std::int32_t last, std::int32_t other) {
-    // Find the rows of the lanes; the last one stands for those that are left over.
-    const std::size_t rowBytes =
-        static_cast<std::size_t>(grid_.width) * static_cast<std::size_t>(voxelBytes_);
-    const std::uint8_t* rows[kLanes];
-    for (std::int32_t lane = 0; lane < kLanes; ++lane) {
+// The rows of the lanes; the last one stands for those that are left over.
+void VoxelSlab::FindRows(std::int32_t first, std::int32_t last, std::int32_t other,
+                         const std::uint8_t* (&rows)[kMostLanes]) const {
+    for (std::int32_t lane = 0; lane < lanes_; ++lane) {
         const std::int32_t voxel = first + lane < last ? first + lane : last;
         const std::int32_t y = axis_ == 1 ? voxel : other;
         const std::int32_t z = axis_ == 1 ? other : voxel;
-        rows[lane] = grid_.slices[z] + static_cast<std::size_t>(y) * rowBytes;
+        rows[lane] = grid_.slices[z] + static_cast<std::size_t>(y) * RowBytes();
     }
+}
+
+void VoxelSlab::FillLayer(std::int32_t first, std::int32_t last, std::int32_t other) {
+    const std::size_t rowBytes = RowBytes();
+    const std::uint8_t* rows[kMostLanes];
+    FindRows(first, last, other, rows);
+    const std::uint8_t* nextRows[kMostLanes];
+    FindRows(first, last, other < extent_.last[1] ? other + 1 : other, nextRows);
     std::uint8_t* lanes = memory_.Get() + static_cast<std::size_t>(other - extent_.first[1]) * layerBytes_;
-    if (rowBytes < kColumns) return FillShortRows(rows, lanes);
+    const bool isFolded = kCanFold && kRows > lanes_;
+    const std::size_t columns = isFolded ? 2 * kColumns : kColumns;
+    if (rowBytes < columns) return FillShortRows(rows, lanes);
 
     // Transpose them, byte by byte. The last bytes overlap those before them rather than being read beyond the row.
     const std::int32_t used = last - first + 1;
     const auto bytes = static_cast<std::size_t>(voxelBytes_);
+    const auto apart = static_cast<std::size_t>(lanes_);
     const std::size_t end = (static_cast<std::size_t>(extent_.last[0]) + 1) * bytes;
     for (std::size_t column = static_cast<std::size_t>(extent_.first[0]) * bytes; column < end;
-         column += kColumns) {
-        const std::size_t from = column + kColumns <= rowBytes ? column : rowBytes - kColumns;
+         column += columns) {
+        if (column % kLine < columns) Prefetch(nextRows, used, column);
+        const std::size_t from = column + columns <= rowBytes ? column : rowBytes - columns;
+        std::uint8_t* to = lanes + from * apart;
+        if (isFolded) {
+            Transpose<kCanFold>(rows, from, to, apart);
+            continue;
+        }
         for (std::int32_t lane = 0; lane < used; lane += kRows)
-            Transpose(rows + lane, from, lanes + from * kLanes + lane);
+            Transpose<false>(rows + lane, from, to + lane, apart);
     }
 }
 
 // Narrow volumes: a row is shorter than what is transposed at once, and nothing may be read behind it.
 void VoxelSlab::FillShortRows(const std::uint8_t* const* rows, std::uint8_t* to) const {
     for (std::int32_t column = 0; column < grid_.width * voxelBytes_; ++column) {
-        for (std::int32_t lane = 0; lane < kLanes; ++lane)
+        for (std::int32_t lane = 0; lane < lanes_; ++lane)
             *to++ = rows[lane][column];
     }
 }
