@@ -42,8 +42,9 @@ public:
     Z3D_INLINE ValueInterval Accepted() const { return accepted_; }
 
     Z3D_INLINE Bytes Accepts(const RgbVoxels& voxels) const {
-        if (IsFull()) return AllBytes(0xFF);
-        const Sums sums = SumOf(voxels);
+        return IsFull() ? AllBytes(0xFF) : AcceptsSums(SumOf(voxels));
+    }
+    Z3D_INLINE Bytes AcceptsSums(const Sums& sums) const {
         return NarrowMask({Covers(sums.low), Covers(sums.high)});
     }
 

@@ -67,6 +67,9 @@ struct Scores {
     Z3D_INLINE static const Sample& SampleOf(const Samples& samples, int number) {
         return samples.sample[number];
     }
+    Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
+        return window.Accepts(samples.sample[number]);
+    }
 };
 
 // Scores by their indexes, as FetchBytes takes voxels.

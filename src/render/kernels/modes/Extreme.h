@@ -20,6 +20,7 @@ struct Extreme : NothingPending {
         Bytes largest[kChannels]; // rank
         Bytes isFound;
     };
+    using Fold = std::conditional_t<kChannels == 3, ColourRanks, void>;
     static constexpr Counts kCounts = Counts::EverySample;
     static constexpr bool kEndsRays = false; // only the highest byte could end one
     static constexpr bool kReducesRows = true;
@@ -37,6 +38,15 @@ struct Extreme : NothingPending {
                            State& state) const {
         for (int c = 0; c < kChannels; ++c)
             state.largest[c] = Larger(state.largest[c], (voxels.channel[c] ^ flip) & accepted);
+        state.isFound |= accepted;
+    }
+    Z3D_INLINE void AddTo(ColourRanks& ranks, const std::uint32_t* colours, Bytes accepted) const {
+        ranks.Add(colours, flip, accepted);
+    }
+    Z3D_INLINE void Merge(const ColourRanks& ranks, Bytes accepted, State& state) const {
+        const RgbVoxels largest = ranks.Ranks();
+        for (int c = 0; c < kChannels; ++c)
+            state.largest[c] = Larger(state.largest[c], largest.channel[c]);
         state.isFound |= accepted;
     }
     Z3D_INLINE Bytes Settled(const State& state, const Bytes (&highest)[3]) const {

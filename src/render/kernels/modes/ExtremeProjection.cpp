@@ -32,6 +32,9 @@ struct ExtremeRows : Extreme<Format> {
             state.largest[c] = Larger(state.largest[c], (voxels.channel[c] ^ AllBytes(kFlip)) & accepted);
         state.isFound |= accepted;
     }
+    Z3D_INLINE static Bytes Outer(Bytes a, Bytes b) {
+        return kFlip == kMaximum ? Larger(a, b) : Smaller(a, b);
+    }
 };
 
 template <class Format>

@@ -20,8 +20,9 @@ struct RaySums {
     Sums recent;
     std::int32_t stretches; // that `recent` holds
 
-    Z3D_INLINE void Add(Bytes bytes, bool isExact) {
-        recent = recent + Widen(bytes);
+    Z3D_INLINE void Add(Bytes bytes, bool isExact) { Add(Widen(bytes), isExact); }
+    Z3D_INLINE void Add(const Sums& numbers, bool isExact) {
+        recent = recent + numbers;
         if (!isExact) [[unlikely]]
             Settle();
     }

@@ -89,12 +89,12 @@ private:
 };
 
 struct VoxelsAndNeighbours {
-    const RgbVoxels& voxel;
-    const RgbVoxels& beside;
+    RgbVoxels voxel;
+    RgbVoxels beside;
 };
 struct NeighbourStretch {
-    Stretch<3> voxels;
-    Stretch<3> beside;
+    ColourWords voxels;
+    ColourWords beside;
 };
 struct NeighbourSource {
     const VoxelGrid& voxels;
@@ -111,15 +111,13 @@ struct RgbWithNeighbour {
     using Sample = VoxelsAndNeighbours;
     using Samples = NeighbourStretch;
     Z3D_INLINE static Sample SampleOf(const Samples& samples, int number) {
-        return {samples.voxels.sample[number], samples.beside.sample[number]};
+        return {SplitWords(samples.voxels.sample[number]), SplitWords(samples.beside.sample[number])};
     }
-
     // On the voxel; what the neighbour counts is up to the mode.
-    struct Window : RgbWindow {
-        using RgbWindow::Accepts;
-        using RgbWindow::RgbWindow;
-        Z3D_INLINE Bytes Accepts(const VoxelsAndNeighbours& sample) const { return Accepts(sample.voxel); }
-    };
+    using Window = RgbWindow;
+    Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
+        return window.Accepts(SplitWords(samples.voxels.sample[number]));
+    }
 };
 
 inline void Fetch(const NeighbourSource& source, const Indexes& indexes, int samples,

@@ -9,6 +9,8 @@
 #include "render/kernels/modes/RaySums.h"
 #include "render/kernels/walks/Render.h"
 
+#include <type_traits>
+
 namespace z3d::render::Z3D_ISA {
 namespace {
 
@@ -19,6 +21,7 @@ struct Sum {
         RaySums sum[Format::kChannels];
         Bytes isFound;
     };
+    using Fold = std::conditional_t<Format::kChannels == 3, ColourSums, void>;
     static constexpr Counts kCounts = Counts::EverySample;
     static constexpr bool kEndsRays = false;
     static constexpr bool kReducesRows = true;
@@ -30,12 +33,25 @@ struct Sum {
 
     explicit Sum(const Projection& projection)
         : window(WindowOf<Format>(projection, WindowTest::Inclusive)),
-          isExact(projection.view.outputDepth <= kExactSamples) {}
+          isExact(projection.view.outputDepth <= kExactSamples) {
+        // Then folding a stretch must not add its samples up.
+        if (!isExact) looks.first = looks.later = 1;
+    }
 
     Z3D_INLINE void Sample(const typename Format::Sample& voxels, const SamplePlace&, Bytes accepted,
                            State& state) const {
         for (int c = 0; c < Format::kChannels; ++c)
             state.sum[c].Add(voxels.channel[c] & accepted, isExact);
+        state.isFound |= accepted;
+    }
+    Z3D_INLINE void AddTo(ColourSums& sums, const std::uint32_t* colours, Bytes accepted) const {
+        sums.Add(colours, accepted);
+    }
+    Z3D_INLINE void Merge(const ColourSums& sums, Bytes accepted, State& state) const {
+        Sums added[3];
+        sums.Get(added);
+        for (int c = 0; c < Format::kChannels; ++c)
+            state.sum[c].Add(added[c], isExact);
         state.isFound |= accepted;
     }
     Z3D_INLINE void EndStretch(State& state) const {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "render/StretchIndexes.h"
+#include "render/kernels/sampling/Colours.h"
 #include "render/kernels/vector/Gathers.h"
 #include "render/tables/FetchVoxels.h"
 #include "render/voxels/VoxelGrid.h"
@@ -13,27 +14,6 @@ template <int kChannels>
 struct Stretch {
     Voxels<kChannels> sample[kSamples];
 };
-
-// Takes sixteen words apart, of whose bytes the first three count: 64 bytes, byte-interleaved four times. Each time
-// moves byte i to 2i mod 63, so four times move byte c of word r from 4r + c to 16c + r.
-Z3D_INLINE void SplitWords(const std::uint32_t (&words)[kRays], RgbVoxels& voxels) {
-    __m128i a = _mm_load_si128(reinterpret_cast<const __m128i*>(words));
-    __m128i b = _mm_load_si128(reinterpret_cast<const __m128i*>(words) + 1);
-    __m128i c = _mm_load_si128(reinterpret_cast<const __m128i*>(words) + 2);
-    __m128i d = _mm_load_si128(reinterpret_cast<const __m128i*>(words) + 3);
-#pragma GCC unroll 4
-    for (int interleave = 0; interleave < 4; ++interleave) {
-        const __m128i first = _mm_unpacklo_epi8(a, c);
-        const __m128i second = _mm_unpackhi_epi8(a, c);
-        c = _mm_unpacklo_epi8(b, d);
-        d = _mm_unpackhi_epi8(b, d);
-        a = first;
-        b = second;
-    }
-    voxels.channel[0] = ToBytes(a);
-    voxels.channel[1] = ToBytes(b);
-    voxels.channel[2] = ToBytes(c);
-}
 
 #if Z3D_VECTOR_BYTES == 64
 // Gathers load four bytes, and behind a slice's last voxel nothing may be read: the last voxels are found higher up in
@@ -61,7 +41,7 @@ Z3D_INLINE void SplitWords(const std::uint32_t (&words)[kRays], RgbVoxels& voxel
 
 // The same of colours: only the last voxel has nothing behind it.
 [[gnu::noinline]] inline bool Gather(const VoxelGrid& grid, const Indexes& indexes, int samples,
-                                     Stretch<3>& stretch) {
+                                     ColourWords& stretch) {
     const std::uint32_t last =
         static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
     if (last == 0) return false;
@@ -69,17 +49,14 @@ Z3D_INLINE void SplitWords(const std::uint32_t (&words)[kRays], RgbVoxels& voxel
         const Uints voxel = LoadUints(indexes.plane[sample]);
         const Uints isLast = reinterpret_cast<Uints>(voxel == last);
         const Uints offset = voxel + voxel + voxel + isLast;
-        const Uints colour = GatherFromSlices(grid.slices, indexes.z[sample], offset) >> (isLast & 8);
-        Bytes(&channel)[3] = stretch.sample[sample].channel;
-        channel[0] = LowestBytes(colour);
-        channel[1] = LowestBytes(colour >> 8);
-        channel[2] = LowestBytes(colour >> 16);
+        const Uints colours = GatherFromSlices(grid.slices, indexes.z[sample], offset);
+        Store(stretch.sample[sample], colours >> (isLast & 8));
     }
     return true;
 }
 #else
-template <int kChannels>
-Z3D_INLINE bool Gather(const VoxelGrid&, const Indexes&, int, Stretch<kChannels>&) {
+template <class Samples>
+Z3D_INLINE bool Gather(const VoxelGrid&, const Indexes&, int, Samples&) {
     return false;
 }
 #endif
@@ -111,7 +88,7 @@ Z3D_INLINE void Fetch(const VoxelGrid& grid, const Indexes& indexes, int samples
     }
 }
 
-// Colours as words. A slice's last voxel has nothing behind it that may be read: it is read with the byte before it.
+// Colours by plain loads. A slice's last voxel has nothing behind it that may be read: it is read with the byte before it.
 Z3D_INLINE void FetchColours(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
                              std::uint32_t (&__restrict words)[kSamples][kRays]) {
     const std::uint32_t last =
@@ -133,13 +110,9 @@ Z3D_INLINE void FetchColours(const VoxelGrid& grid, const Indexes& __restrict in
 }
 
 [[gnu::noinline]] inline void Fetch(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
-                                    Stretch<3>& __restrict stretch) {
+                                    ColourWords& __restrict stretch) {
     if (grid.isGathered && Gather(grid, indexes, samples, stretch)) return;
-    // All words before their bytes: a vector load waits for narrower stores to its bytes that are still under way.
-    alignas(64) std::uint32_t words[kSamples][kRays];
-    FetchColours(grid, indexes, samples, words);
-    for (int sample = 0; sample < samples; ++sample)
-        SplitWords(words[sample], stretch.sample[sample]);
+    FetchColours(grid, indexes, samples, stretch.sample);
 }
 
 } // namespace z3d::render::Z3D_ISA

@@ -7,7 +7,7 @@
 namespace z3d::render::Z3D_ISA {
 
 // A format says what sixteen voxels are (Sample), where stretches of them come from (Source, Fetch, SampleOf), and what
-// a window on them is. Rows of voxels can be loaded where kBytes is not 0.
+// a window on them is (Window, Accepts). Rows of voxels can be loaded where kBytes is not 0.
 struct Grey {
     static constexpr int kBytes = 1;
     static constexpr int kChannels = 1;
@@ -20,6 +20,9 @@ struct Grey {
     Z3D_INLINE static const Sample& SampleOf(const Samples& samples, int number) {
         return samples.sample[number];
     }
+    Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
+        return window.Accepts(samples.sample[number]);
+    }
     Z3D_INLINE static std::int32_t ValueOf(const std::uint8_t* voxel) { return voxel[0]; }
 };
 
@@ -31,9 +34,13 @@ struct Rgb {
     using Window = RgbWindow;
     using Source = VoxelGrid;
     using Sample = RgbVoxels;
-    using Samples = Stretch<3>;
-    Z3D_INLINE static const Sample& SampleOf(const Samples& samples, int number) {
-        return samples.sample[number];
+    using Samples = ColourWords;
+    Z3D_INLINE static Sample SampleOf(const Samples& samples, int number) {
+        return SplitWords(samples.sample[number]);
+    }
+    Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
+        if (window.IsFull()) return AllBytes(0xFF);
+        return window.AcceptsSums(SumsOfWords(samples.sample[number]));
     }
     Z3D_INLINE static std::int32_t ValueOf(const std::uint8_t* voxel) {
         return voxel[0] + voxel[1] + voxel[2];

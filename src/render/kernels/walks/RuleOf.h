@@ -8,6 +8,7 @@
 //   shape, looks   how its rays run, and how its pixels begin
 //   window         the voxel values that can contribute at all
 //   Sample         what one sample does to the rays of the mask
+//   Fold           void; or what a stretch of colours comes to before it changes the state, by AddTo and Merge
 //   EndStretch     what is left to do after 16 samples
 //   Settled        the bounds up to which stretches ahead change nothing, by ray
 //   Finish         the pixels of the rays; the initial value for those without a contribution
@@ -20,6 +21,7 @@
 #include "render/kernels/walks/Rule.h"
 
 #include <concepts>
+#include <type_traits>
 
 namespace z3d::render::Z3D_ISA {
 
@@ -34,7 +36,6 @@ concept Mode = requires(const M& mode, const typename M::Format::Sample& sample,
     { M::kReducesRows } -> std::same_as<const bool&>;
     { mode.shape } -> std::same_as<const RayShape&>;
     { mode.looks } -> std::same_as<const Looks&>;
-    bytes = mode.window.Accepts(sample);
     { mode.Sample(sample, place, bytes, state) } -> std::same_as<void>;
     { mode.EndStretch(state) } -> std::same_as<void>;
     bytes = mode.Settled(state, highest);
@@ -43,6 +44,7 @@ concept Mode = requires(const M& mode, const typename M::Format::Sample& sample,
 
 // For modes that keep nothing that has to be tidied up after a stretch.
 struct NothingPending {
+    using Fold = void;
     template <class State>
     Z3D_INLINE void EndStretch(State&) const {}
 };
@@ -52,6 +54,10 @@ Z3D_INLINE Bytes AreAboveNumber(Bytes remaining, int sample) {
     return ToBytes(_mm_cmpgt_epi8(Raw(remaining), _mm_set1_epi8(static_cast<char>(sample))));
 }
 
+// Modes whose Sample need not be told of every colour of a stretch.
+template <class M>
+concept Folds = !std::is_void_v<typename M::Fold>;
+
 template <Mode M>
 void LookAt(const Rule& rule, const Indexes& indexes, int samples, Bytes remaining, RayStates& states) {
     const M& mode = *static_cast<const M*>(rule.mode);
@@ -60,15 +66,27 @@ void LookAt(const Rule& rule, const Indexes& indexes, int samples, Bytes remaini
     const auto window = mode.window;
     alignas(64) typename M::Format::Samples stretch;
     Fetch(*static_cast<const typename M::Format::Source*>(rule.voxels), indexes, samples, stretch);
-    for (int sample = 0; sample < samples; ++sample) {
-        const typename M::Format::Sample& voxels = M::Format::SampleOf(stretch, sample);
-        Bytes accepted = window.Accepts(voxels) & AreAboveNumber(remaining, sample);
-        if constexpr (M::kCounts == Counts::Entries) {
-            const Bytes before = states.wasAccepted;
-            states.wasAccepted = accepted;
-            accepted &= ~before;
+    if constexpr (Folds<M>) {
+        typename M::Fold fold;
+        Bytes isFound = {};
+        for (int sample = 0; sample < samples; ++sample) {
+            const Bytes accepted =
+                M::Format::Accepts(window, stretch, sample) & AreAboveNumber(remaining, sample);
+            mode.AddTo(fold, stretch.sample[sample], accepted);
+            isFound |= accepted;
         }
-        mode.Sample(voxels, {&indexes, sample}, accepted, state);
+        mode.Merge(fold, isFound, state);
+    } else {
+        for (int sample = 0; sample < samples; ++sample) {
+            Bytes accepted = M::Format::Accepts(window, stretch, sample) & AreAboveNumber(remaining, sample);
+            if constexpr (M::kCounts == Counts::Entries) {
+                const Bytes before = states.wasAccepted;
+                states.wasAccepted = accepted;
+                accepted &= ~before;
+            }
+            const auto& voxels = M::Format::SampleOf(stretch, sample);
+            mode.Sample(voxels, {&indexes, sample}, accepted, state);
+        }
     }
     mode.EndStretch(state);
     states.settled = mode.Settled(state, states.highest);
@@ -92,16 +110,22 @@ template <Mode M, bool kIsFull>
 constexpr std::int32_t kMostTogether = kIsFull&& kGroupsTogether<M> == 2 ? 4 : kGroupsTogether<M>;
 
 // Sixteen colours are channel after channel where they were laid out for that.
-template <class Format>
+template <class Format, bool kIsPlanar>
 Z3D_INLINE typename Format::Sample LoadRow(const std::uint8_t* from,
                                            [[maybe_unused]] std::size_t channelBytes) {
     if constexpr (Format::kBytes == 3) {
-        if (channelBytes != 0) {
+        if (kIsPlanar || channelBytes != 0) {
             return {{LoadBytes(from), LoadBytes(from + channelBytes), LoadBytes(from + 2 * channelBytes)}};
         }
     }
     return LoadVoxels<Format::kBytes>(from);
 }
+
+// Modes that take the extremes of several colours for all of these, channel by channel, where all are accepted.
+template <class M>
+concept TakesExtremes = requires(Bytes bytes) {
+    bytes = M::Outer(bytes, bytes);
+};
 
 // False when all of their rays have ended.
 template <Mode M, bool kIsFull, int kTogether>
@@ -124,8 +148,9 @@ Z3D_INLINE bool ReduceGroups(const M& mode, const VoxelRows& rows, std::int32_t 
     for (int sample = 0; sample < rows.samples; ++sample) {
 #pragma GCC unroll 4
         for (int part = 0; part < kTogether; ++part) {
-            const auto sixteen =
-                LoadRow<typename M::Format>(rows.voxels[sample] + offset[part], rows.channelBytes);
+            const auto sixteen = LoadRow < typename M::Format,
+                       kIsFull
+                           && TakesExtremes < M >> (rows.voxels[sample] + offset[part], rows.channelBytes);
             const Bytes accepted = kIsFull ? AllBytes(255) : mode.window.Accepts(sixteen);
             mode.Sample(sixteen, {nullptr, 0}, accepted, state[part]);
         }
@@ -140,12 +165,36 @@ Z3D_INLINE bool ReduceGroups(const M& mode, const VoxelRows& rows, std::int32_t 
     return true;
 }
 
+// Extremes of the bytes as they lie, voxel after voxel: only these are sorted into channels.
+template <TakesExtremes M>
+Z3D_INLINE void ReduceColours(const M& mode, const VoxelRows& rows, std::int32_t group,
+                              typename M::State& state) {
+    const std::ptrdiff_t offset = rows.offsets[group];
+    Bytes outer[3];
+    __builtin_memcpy(&outer, rows.voxels[0] + offset, sizeof outer);
+    for (int sample = 1; sample < rows.samples; ++sample) {
+        const std::uint8_t* from = rows.voxels[sample] + offset;
+#pragma GCC unroll 3
+        for (int part = 0; part < 3; ++part)
+            outer[part] = M::Outer(outer[part], LoadBytes(from + 16 * part));
+    }
+    SplitChannels(outer);
+    mode.Sample({{outer[0], outer[1], outer[2]}}, {nullptr, 0}, AllBytes(255), state);
+}
+
 template <Mode M, bool kIsFull>
 Z3D_INLINE bool ReduceAllGroups(const Rule& rule, const VoxelRows& rows, std::byte* own) {
     const M& mode = *static_cast<const M*>(rule.mode);
     auto* states = reinterpret_cast<typename M::State*>(own);
     constexpr std::int32_t kTogether = kGroupsTogether<M>;
     constexpr std::int32_t kMost = kMostTogether<M, kIsFull>;
+    if constexpr (kIsFull && TakesExtremes<M> && M::Format::kBytes == 3) {
+        if (rows.channelBytes == 0) {
+            for (std::int32_t group = 0; group < rows.groups; ++group)
+                ReduceColours(mode, rows, group, states[group]);
+            return true;
+        }
+    }
     bool isLive = false;
     std::int32_t group = 0;
     for (; group + kMost <= rows.groups; group += kMost)
