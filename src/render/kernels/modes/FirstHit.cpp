@@ -31,6 +31,8 @@ struct Hit : NothingPending {
     Z3D_INLINE void Sample(const typename Format::Sample& voxels, const SamplePlace&, Bytes accepted,
                            State& state) const {
         const Bytes isFirst = accepted & ~state.isFound;
+        // Then colours need not be sorted into channels.
+        if (Format::kChannels == 3 && !AnySet(isFirst)) return;
         for (int c = 0; c < Format::kChannels; ++c)
             state.hit[c] |= voxels.channel[c] & isFirst;
         state.isFound |= isFirst;

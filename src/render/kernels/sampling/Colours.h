@@ -62,6 +62,11 @@ Z3D_INLINE Sums NarrowWords(const Uints (&words)[kWordParts]) {
 Z3D_INLINE Uints RedAndBlue(Uints words) { return words & 0x00FF00FFu; }
 Z3D_INLINE Uints GreenAndRest(Uints words) { return words >> 8 & 0x00FF00FFu; }
 
+// The sum of the two 16-bit numbers of each word.
+Z3D_INLINE Uints AddHalves(Uints words) {
+    return RowTimesWidth(reinterpret_cast<Ints>(words), Ints{}, FactorsFor(0x10001));
+}
+
 // The sums of the channels of sixteen words.
 Z3D_INLINE Sums SumsOfWords(const std::uint32_t* words) {
     Uints sums[kWordParts];
@@ -69,7 +74,7 @@ Z3D_INLINE Sums SumsOfWords(const std::uint32_t* words) {
     for (int part = 0; part < kWordParts; ++part) {
         const Uints word = LoadUints(words + part * kFloatLanes);
         const Uints pairs = RedAndBlue(word) + (word >> 8 & 0xFFu);
-        sums[part] = (pairs & 0xFFFFu) + (pairs >> 16);
+        sums[part] = AddHalves(pairs);
     }
     return NarrowWords(sums);
 }
