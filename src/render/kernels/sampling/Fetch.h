@@ -45,11 +45,14 @@ struct Stretch {
     const std::uint32_t last =
         static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
     if (last == 0) return false;
+    const SlicesAtHand slices(grid.slices, grid.depth, indexes.z[0], indexes.z[samples - 1]);
+    const bool areNear = slices.AreNear();
     for (int sample = 0; sample < samples; ++sample) {
         const Uints voxel = LoadUints(indexes.plane[sample]);
         const Uints isLast = reinterpret_cast<Uints>(voxel == last);
         const Uints offset = voxel + voxel + voxel + isLast;
-        const Uints colours = GatherFromSlices(grid.slices, indexes.z[sample], offset);
+        const Uints colours = areNear ? slices.Gather(indexes.z[sample], offset)
+                                      : GatherFromSlices(grid.slices, indexes.z[sample], offset);
         Store(stretch.sample[sample], colours >> (isLast & 8));
     }
     return true;
