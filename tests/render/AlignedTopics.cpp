@@ -1,6 +1,8 @@
 // Views along the axes, and beside them.
 #include "render/ViewTable.h"
 
+#include "support/LongTests.h"
+
 #include <algorithm>
 
 namespace z3d::test {
@@ -63,6 +65,24 @@ void AlignedViewsOfEverySizeUpTo70(Visit& visit) {
             const double cosine = kCosinesOf90[static_cast<std::size_t>(random.Below(3))];
             const Rotation rotation = Turntable(axis, FromHalfTangent(random.Unit() * 2 - 1),
                                                 random.Below(16), cosine, random.Chance(2));
+            SeeSomehow(visit, rotation, random);
+        }
+    }
+}
+
+// The same at random, and a hundred thousand of them for each kernel where tests are long.
+void AlignedViewsOfRandomVolumesAtRandom(Visit& visit) {
+    RandomSource random(5);
+    const int volumes = AreTestsLong() ? 20000 : 8;
+    for (int index = 0; index < volumes; ++index) {
+        const int longest = random.Chance(8) ? 70 : 20;
+        visit.Show(RandomVolume(random, RandomSize(random, longest, visit.BytesPerVoxel())));
+        for (int view = 0; view < 5; ++view) {
+            const Angle angle =
+                random.Chance(3) ? HostQuarters(random.Below(4), 0) : FromHalfTangent(random.Unit() * 2 - 1);
+            const double cosine = kCosinesOf90[static_cast<std::size_t>(random.Below(3))];
+            const Rotation rotation =
+                Turntable(random.Below(3), angle, random.Below(16), cosine, random.Chance(2));
             SeeSomehow(visit, rotation, random);
         }
     }
@@ -180,6 +200,7 @@ std::vector<Topic> AlignedTopics() {
         {"AlignedViewsAtEveryCombinationOfRightAngles", AlignedViewsAtEveryCombinationOfRightAngles},
         {"AlignedViewsOfTurntablesAtWholeDegrees", AlignedViewsOfTurntablesAtWholeDegrees},
         {"AlignedViewsOfEverySizeUpTo70", AlignedViewsOfEverySizeUpTo70},
+        {"AlignedViewsOfRandomVolumesAtRandom", AlignedViewsOfRandomVolumesAtRandom},
         {"NearAxisViewsTiltedByAMillionthOfADegreeAndMore", NearAxisViewsTiltedByAMillionthOfADegreeAndMore},
         {"NearAxisViewsTiltedAboutTwoAxes", NearAxisViewsTiltedAboutTwoAxes},
         {"NearAxisViewsJustParallelAndJustNot", NearAxisViewsJustParallelAndJustNot},
