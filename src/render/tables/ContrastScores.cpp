@@ -8,6 +8,45 @@ namespace {
 
 constexpr std::int32_t kColumns = 16; // that are scored side by side
 
+constexpr std::int64_t kLargest = 255; // byte
+
+// As bytes, only so many scores may be too large for one.
+constexpr std::int64_t kVoxelsPerLarge = 64;
+
+// How far sixteen voxels are from their neighbours in one direction. Nothing, for those outside the window.
+Z3D_INLINE Bytes Apart(const GreyWindow& window, const GreyVoxels& centre, const std::uint8_t* neighbours) {
+    const GreyVoxels other = LoadVoxels<1>(neighbours);
+    const Bytes apart =
+        Larger(other.channel[0], centre.channel[0]) - Smaller(other.channel[0], centre.channel[0]);
+    return apart & window.Accepts(other);
+}
+
+// Return how many are too large.
+Z3D_INLINE int ScoreSixteen(const GreyWindow& window, const std::uint8_t* row,
+                            const std::uint8_t* const (&from)[4], std::int32_t x, std::uint8_t* to) {
+    const GreyVoxels centre = LoadVoxels<1>(row + x);
+    __m128i sums = _mm_setzero_si128();
+#pragma GCC unroll 4
+    for (const std::uint8_t* neighbours : from)
+        sums = _mm_adds_epu8(sums, Raw(Apart(window, centre, neighbours + x)));
+    sums = _mm_and_si128(sums, Raw(window.Accepts(centre)));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), sums);
+    const unsigned large = BitsOf(AreEqual(ToBytes(sums), AllBytes(kLargest)));
+    return large == 0 ? 0 : __builtin_popcount(large);
+}
+Z3D_INLINE int ScoreSixteen(const GreyWindow& window, const std::uint8_t* row,
+                            const std::uint8_t* const (&from)[4], std::int32_t x, std::uint16_t* to) {
+    const GreyVoxels centre = LoadVoxels<1>(row + x);
+    Sums sums = {};
+#pragma GCC unroll 4
+    for (const std::uint8_t* neighbours : from)
+        sums = sums + Widen(Apart(window, centre, neighbours + x));
+    const Sums accepted = WidenMask(window.Accepts(centre));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_and_si128(sums.low, accepted.low));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 8), _mm_and_si128(sums.high, accepted.high));
+    return 0;
+}
+
 } // namespace
 
 ContrastScores::ContrastScores(const Projection& projection, const GreyWindow& window)
@@ -15,29 +54,35 @@ ContrastScores::ContrastScores(const Projection& projection, const GreyWindow& w
 
 ContrastScores::~ContrastScores() = default;
 
+template <class Score>
 bool ContrastScores::Make() {
-    if (!Allocate()) return false;
+    if (!Allocate(sizeof(Score))) return false;
     FindNeighbours();
+    large_ = 0;
+    const std::int64_t plane = std::int64_t{grid_.width} * grid_.height;
     for (std::int32_t z = 0; z < grid_.depth; ++z) {
         for (std::int32_t y = 0; y < grid_.height; ++y)
-            ScoreRow(y, z);
+            ScoreRow<Score>(y, z);
+        if (large_ > (z + 1) * plane / kVoxelsPerLarge) return false;
     }
     return true;
 }
+template bool ContrastScores::Make<std::uint8_t>();
+template bool ContrastScores::Make<std::uint16_t>();
 
 // Everything or nothing: sizes are formed once, and checked.
-bool ContrastScores::Allocate() {
+bool ContrastScores::Allocate(std::size_t scoreBytes) {
+    constexpr std::size_t kBehind = 2;
     const std::size_t plane = static_cast<std::size_t>(grid_.width) * static_cast<std::size_t>(grid_.height);
     const auto depth = static_cast<std::size_t>(grid_.depth);
-    if (plane > SIZE_MAX / 2 / depth) return false;
-    platform::HeapArray<std::uint16_t*> slices(depth);
-    scores_ = platform::HeapArray<std::uint16_t>(plane * depth);
+    if (plane > (SIZE_MAX - kBehind) / sizeof(std::uint16_t) / depth) return false;
+    platform::HeapArray<const std::uint8_t*> slices(depth);
+    scores_ = platform::HeapArray<std::uint8_t>(plane * depth * scoreBytes + kBehind);
     neighbours_ = platform::HeapArray<std::int32_t>(LongestAxis() * kDirections * 3);
     if (!slices || !scores_ || !neighbours_) return false;
     for (std::size_t z = 0; z < depth; ++z)
-        slices[z] = scores_.Get() + z * plane;
+        slices[z] = scores_.Get() + z * plane * scoreBytes;
     slices_ = std::move(slices);
-    sliceScores_ = slices_.Get();
     return true;
 }
 
@@ -78,38 +123,45 @@ void ContrastScores::FindRun(Direction& direction) const {
 }
 
 // Scores all voxels of a row.
+template <class Score>
 void ContrastScores::ScoreRow(std::int32_t y, std::int32_t z) {
     // Every direction has one row of neighbours, and a run of columns that can be taken side by side.
     const std::uint8_t* row = grid_.At<1>(0, y, z);
     const std::uint8_t* neighbour[kDirections];
-    std::int32_t first = 0;
-    std::int32_t last = grid_.width - 1;
+    Run run = {0, grid_.width - 1};
     for (int number = 0; number < kDirections; ++number) {
         const Direction& direction = direction_[number];
         neighbour[number] = grid_.At<1>(0, direction.index[1][y], direction.index[2][z]);
-        first = std::max(first, direction.first);
-        last = std::min(last, direction.last);
+        run.first = std::max(run.first, direction.first);
+        run.last = std::min(run.last, direction.last);
     }
 
-    // Sixteen columns at a time within the run; the last sixteen overlap the ones before rather than leave it.
-    std::uint16_t* to = slices_[static_cast<std::size_t>(z)]
-                        + static_cast<std::size_t>(y) * static_cast<std::size_t>(grid_.width);
-    std::int32_t x = 0;
-    while (x < grid_.width) {
-        if (x < first || x > last || last - first < kColumns - 1) {
-            to[x] = ScoreOne(row, neighbour, x);
-            ++x;
-        } else {
-            const std::int32_t from = std::min(x, last - (kColumns - 1));
-            ScoreSixteen(row, neighbour, from, to + from);
-            x = from + kColumns;
-        }
+    const std::size_t above = static_cast<std::size_t>(z) * static_cast<std::size_t>(grid_.height);
+    Score* to = reinterpret_cast<Score*>(scores_.Get())
+                + (above + static_cast<std::size_t>(y)) * static_cast<std::size_t>(grid_.width);
+    if (run.last - run.first < kColumns - 1) {
+        ScoreSingly(row, neighbour, {0, grid_.width - 1}, to);
+        return;
+    }
+    ScoreSingly(row, neighbour, {0, run.first - 1}, to);
+    ScoreRun(row, neighbour, run, to);
+    ScoreSingly(row, neighbour, {run.last + 1, grid_.width - 1}, to);
+}
+
+template <class Score>
+void ContrastScores::ScoreSingly(const std::uint8_t* row, const std::uint8_t* const* neighbour, Run run,
+                                 Score* to) {
+    for (std::int32_t x = run.first; x <= run.last; ++x) {
+        const std::int32_t score = ScoreOne(row, neighbour, x);
+        const bool isLarge = sizeof(Score) == 1 && score >= kLargest;
+        to[x] = static_cast<Score>(isLarge ? kLargest : score);
+        large_ += isLarge;
     }
 }
 
 // The score as its rule has it: at most four differences of 255, and none from outside the window.
-std::uint16_t ContrastScores::ScoreOne(const std::uint8_t* row, const std::uint8_t* const* neighbour,
-                                       std::int32_t x) const {
+std::int32_t ContrastScores::ScoreOne(const std::uint8_t* row, const std::uint8_t* const* neighbour,
+                                      std::int32_t x) const {
     const ValueInterval accepted = window_.Accepted();
     const std::int32_t value = row[x];
     if (value < accepted.first || value > accepted.last) return 0;
@@ -119,24 +171,33 @@ std::uint16_t ContrastScores::ScoreOne(const std::uint8_t* row, const std::uint8
         if (other >= accepted.first && other <= accepted.last)
             score += other > value ? other - value : value - other;
     }
-    return static_cast<std::uint16_t>(score);
+    return score;
 }
 
-// The same for sixteen columns, whose neighbours lie the same number of columns away.
-void ContrastScores::ScoreSixteen(const std::uint8_t* row, const std::uint8_t* const* neighbour,
-                                  std::int32_t x, std::uint16_t* to) const {
-    const GreyVoxels centre = LoadVoxels<1>(row + x);
-    Sums sums = {};
-#pragma GCC unroll 4
-    for (int number = 0; number < kDirections; ++number) {
-        const GreyVoxels other = LoadVoxels<1>(neighbour[number] + x + direction_[number].shift);
-        const Bytes apart =
-            Larger(other.channel[0], centre.channel[0]) - Smaller(other.channel[0], centre.channel[0]);
-        sums = sums + Widen(apart & window_.Accepts(other));
+// The same for columns whose neighbours lie the same number of columns away, sixteen at a time; the last sixteen overlap
+// the ones before rather than leave the run.
+template <class Score>
+void ContrastScores::ScoreRun(const std::uint8_t* row, const std::uint8_t* const* neighbour, Run run,
+                              Score* to) {
+    const std::uint8_t* from[kDirections];
+    for (int number = 0; number < kDirections; ++number)
+        from[number] = neighbour[number] + direction_[number].shift;
+    std::int64_t large = 0;
+    for (std::int32_t x = run.first; x <= run.last; x += kColumns) {
+        x = std::min(x, run.last - (kColumns - 1));
+        large += ScoreSixteen(window_, row, from, x, to + x);
     }
-    const Sums accepted = WidenMask(window_.Accepts(centre));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_and_si128(sums.low, accepted.low));
-    _mm_storeu_si128(reinterpret_cast<__m128i*>(to + 8), _mm_and_si128(sums.high, accepted.high));
+    large_ += large;
+}
+
+void ClearBorder(const Projection& projection) {
+    const std::int32_t width = projection.view.outputWidth;
+    const std::int32_t last = projection.view.outputHeight - 1;
+    for (std::int32_t row = 0; row <= last; ++row) {
+        const std::int32_t step = row == 0 || row == last || width == 1 ? 1 : width - 1;
+        for (std::int32_t column = 0; column < width; column += step)
+            __builtin_memset(projection.PixelAt(row, column), 0, 3 * sizeof(float));
+    }
 }
 
 } // namespace z3d::render

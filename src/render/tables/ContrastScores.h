@@ -1,5 +1,8 @@
 // The contrast score of every grey voxel, computed once, row by row: what a projection of scores then samples.
 // A voxel's score depends on its indexes alone. 0 stands for voxels outside the window as well: neither counts.
+//
+// Scores go up to 1020, but few of a scan are above 254: as bytes, where 255 stands for all others, they take half the
+// memory, and are projected as voxels are.
 #pragma once
 
 #include "platform/Heap.h"
@@ -22,15 +25,23 @@ public:
     ContrastScores(const ContrastScores&) = delete;
     ContrastScores& operator=(const ContrastScores&) = delete;
 
-    // Computes all scores; false when memory is short, and then there are none.
-    bool Make();
+    // Computes all scores, as bytes or in 16 bits. False, and then there are none, when memory is short, or too many
+    // scores for bytes are above 254.
+    bool MakeBytes() { return Make<std::uint8_t>(); }
+    bool MakeWords() { return Make<std::uint16_t>(); }
+    bool HasLarge() const { return large_ > 0; } // bytes of 255
 
-    // `depth` addresses of the scores of a slice, row after row.
-    Z3D_INLINE const std::uint16_t* const* Slices() const { return sliceScores_; }
+    // The volume with scores for voxels. Behind the last one of all there are two bytes more.
+    VoxelGrid Grid() const {
+        return {slices_.Get(), grid_.width, grid_.height, grid_.depth, grid_.isGathered};
+    }
 
 private:
     static constexpr int kDirections = 4; // right, left, up, down, in the output
 
+    struct Run {
+        std::int32_t first, last; // columns
+    };
     struct Direction {
         const std::int32_t* index[3]; // of the neighbour, by axis and index of the voxel
         std::int32_t shift;           // along x, where it is the same for a run of columns
@@ -38,23 +49,31 @@ private:
     };
 
     std::size_t LongestAxis() const;
-    bool Allocate();
+    template <class Score>
+    bool Make();
+    bool Allocate(std::size_t scoreBytes);
     void FindNeighbours();
     void FindRun(Direction& direction) const;
+    template <class Score>
     void ScoreRow(std::int32_t y, std::int32_t z);
-    std::uint16_t ScoreOne(const std::uint8_t* row, const std::uint8_t* const* neighbour,
-                           std::int32_t x) const;
-    void ScoreSixteen(const std::uint8_t* row, const std::uint8_t* const* neighbour, std::int32_t x,
-                      std::uint16_t* to) const;
+    template <class Score>
+    void ScoreSingly(const std::uint8_t* row, const std::uint8_t* const* neighbour, Run run, Score* to);
+    std::int32_t ScoreOne(const std::uint8_t* row, const std::uint8_t* const* neighbour,
+                          std::int32_t x) const;
+    template <class Score>
+    void ScoreRun(const std::uint8_t* row, const std::uint8_t* const* neighbour, Run run, Score* to);
 
     const ProjectionRenderer& view_;
     const VoxelGrid& grid_;
     const GreyWindow window_;
-    platform::HeapArray<std::uint16_t*> slices_;
-    platform::HeapArray<std::uint16_t> scores_;
+    platform::HeapArray<const std::uint8_t*> slices_;
+    platform::HeapArray<std::uint8_t> scores_;
     platform::HeapArray<std::int32_t> neighbours_;
-    const std::uint16_t* const* sliceScores_ = nullptr;
     Direction direction_[kDirections];
+    std::int64_t large_ = 0; // bytes of 255 so far
 };
+
+// The outermost rows and columns of the picture, which hold 0.
+void ClearBorder(const Projection& projection);
 
 } // namespace z3d::render

@@ -9,6 +9,7 @@
 // - a best score of 0 leaves the initial value
 #include "render/kernels/Kernels.h"
 #include "render/kernels/modes/ModeWindow.h"
+#include "render/kernels/modes/Scores.h"
 #include "render/kernels/modes/SideStep.h"
 #include "render/kernels/walks/Render.h"
 #include "render/tables/ContrastScores.h"
@@ -53,41 +54,8 @@ struct GreyContrast : NothingPending {
     }
 };
 
-// Scores in the place of voxels.
-struct Scores {
-    [[maybe_unused]] static constexpr int kBytes = 0;
-    static constexpr int kChannels = 1;
-    static constexpr bool kKeepsPositions = false;
-    using Window = NoWindow;
-    using Source = const std::uint16_t* const*;
-    using Sample = Sums;
-    struct Samples {
-        Sums sample[kSamples];
-    };
-    Z3D_INLINE static const Sample& SampleOf(const Samples& samples, int number) {
-        return samples.sample[number];
-    }
-    Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
-        return window.Accepts(samples.sample[number]);
-    }
-};
-
-// Scores by their indexes, as FetchBytes takes voxels.
-[[gnu::noinline]] void Fetch(const std::uint16_t* const* slices, const Indexes& __restrict indexes,
-                             int samples, Scores::Samples& __restrict stretch) {
-    auto* __restrict to = reinterpret_cast<std::uint16_t*>(stretch.sample);
-    for (int sample = 0; sample < samples; ++sample, to += kRays) {
-        const std::uint32_t* z = indexes.z[sample];
-        const std::uint32_t* plane = indexes.plane[sample];
-#pragma GCC unroll 8
-        for (int ray = 0; ray < kRays; ++ray)
-            to[ray] = slices[z[ray]][plane[ray]];
-    }
-}
-
-// Over the scores of all voxels: grey again, where there is memory for them.
-struct LargestScore : NothingPending {
-    using Format = Scores;
+// The best score of each ray: grey again, where there is memory for scores.
+struct BestScore : NothingPending {
     using State = Sums;
     static constexpr Counts kCounts = Counts::EverySample;
     static constexpr bool kEndsRays = false;
@@ -95,9 +63,8 @@ struct LargestScore : NothingPending {
 
     RayShape shape = kContrastShape;
     Looks looks = {.initial = kLowestFloat, .measure = Measure::Presence};
-    NoWindow window;
 
-    Z3D_INLINE void Sample(const Sums& scores, const SamplePlace&, Bytes accepted, State& best) const {
+    Z3D_INLINE static void Take(const Sums& scores, Bytes accepted, Sums& best) {
         const Sums counted = WidenMask(accepted);
         best.low = _mm_max_epi16(best.low, _mm_and_si128(scores.low, counted.low));
         best.high = _mm_max_epi16(best.high, _mm_and_si128(scores.high, counted.high));
@@ -107,6 +74,50 @@ struct LargestScore : NothingPending {
         const __m128i zero = _mm_setzero_si128();
         const Sums isFound = {_mm_cmpgt_epi16(best.low, zero), _mm_cmpgt_epi16(best.high, zero)};
         return {{Where(isFound, ToRayFloats(best), looks.initial)}};
+    }
+};
+
+// Over scores of 16 bits.
+struct BestOfWords : BestScore {
+    using Format = Scores;
+    NoWindow window;
+    Z3D_INLINE void Sample(const Sums& scores, const SamplePlace&, Bytes accepted, Sums& best) const {
+        Take(scores, accepted, best);
+    }
+};
+
+// Over bytes, of which 255 stands for larger ones as well.
+struct BestOfBytes : BestScore {
+    struct Format : Grey {
+        using Window = NoWindow;
+        Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
+            return window.Accepts(samples.sample[number]);
+        }
+    };
+    NoWindow window;
+    NeighbourContrast contrast;
+
+    BestOfBytes(const Projection& projection, ValueInterval accepted) : contrast(projection, accepted) {}
+
+    Z3D_INLINE void Sample(const GreyVoxels& voxels, const SamplePlace& place, Bytes accepted,
+                           Sums& best) const {
+        const Bytes bytes = voxels.channel[0];
+        Take(Widen(bytes), accepted, best);
+        const unsigned large = BitsOf(AreEqual(bytes, AllBytes(255)) & accepted);
+        if (large != 0) [[unlikely]]
+            TakeLarge(large, place, best);
+    }
+
+private:
+    [[gnu::noinline]] void TakeLarge(unsigned large, const SamplePlace& place, Sums& best) const {
+        std::int16_t scores[kRays] = {};
+        for (; large != 0; large &= large - 1) {
+            const int ray = __builtin_ctz(large);
+            scores[ray] = static_cast<std::int16_t>(contrast.ScoreAt(place.Z(ray), place.Plane(ray)));
+        }
+        Sums larger;
+        __builtin_memcpy(&larger, scores, sizeof larger);
+        Take(larger, AllBytes(255), best);
     }
 };
 
@@ -170,15 +181,34 @@ private:
     }
 };
 
+// As a maximum, after which rays that found a score too large for a byte run again.
+bool RenderByteScores(const Projection& projection, const GreyWindow& window) {
+    ContrastScores scores(projection, window);
+    if (!scores.MakeBytes()) return false;
+    Projection ofScores = projection;
+    ofScores.grid = scores.Grid();
+    RenderLargestBytes(ofScores);
+    ClearBorder(projection);
+    if (!scores.HasLarge()) return true;
+    const BestOfBytes mode(projection, window.Accepted());
+    RenderAgain(ofScores, RuleOf(mode, ofScores.grid), kLargestGrey);
+    return true;
+}
+
+bool RenderWordScores(const Projection& projection, const GreyWindow& window) {
+    ContrastScores scores(projection, window);
+    if (!scores.MakeWords()) return false;
+    const BestOfWords mode;
+    Projection ofScores = projection;
+    ofScores.grid = scores.Grid();
+    RenderAllSamples(ofScores, RuleOf(mode, ofScores.grid));
+    return true;
+}
+
 // False where there are no scores to be projected: a mask is wanted, or memory is short.
 bool RenderScores(const Projection& projection, const GreyWindow& window) {
     if (window.IsEmpty() || projection.grid.depth < kSmallestScoredDepth) return false;
-    ContrastScores scores(projection, window);
-    if (!scores.Make()) return false;
-    const LargestScore mode;
-    const Scores::Source slices = scores.Slices();
-    RenderAllSamples(projection, RuleOf(mode, slices));
-    return true;
+    return RenderByteScores(projection, window) || RenderWordScores(projection, window);
 }
 
 } // namespace

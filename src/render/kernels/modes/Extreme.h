@@ -68,4 +68,7 @@ struct Extreme : NothingPending {
 
 using GreyExtreme = Extreme<Grey>;
 
+// The largest byte of each ray; the lowest float where it is 0.
+void RenderLargestBytes(const Projection& projection);
+
 } // namespace z3d::render::Z3D_ISA

@@ -38,11 +38,8 @@ struct ExtremeRows : Extreme<Format> {
 };
 
 template <class Format>
-ExtremeRows<Format, kMaximum> MaximumOf(const Projection& projection, const RayShape& shape) {
-    return {shape,
-            {.initial = kLowestFloat, .measure = Measure::Largeness},
-            WindowOf<Format>(projection, WindowTest::Inclusive),
-            kMaximum};
+ExtremeRows<Format, kMaximum> MaximumOf(const typename Format::Window& window, const RayShape& shape) {
+    return {shape, {.initial = kLowestFloat, .measure = Measure::Largeness}, window, kMaximum};
 }
 
 template <class Format>
@@ -65,12 +62,18 @@ Rule RuleWithRows(const ExtremeRows<Format, kFlip>& mode, const Projection& proj
 } // namespace
 
 void MaxProjectionGrey(const Projection& projection) {
-    const auto mode = MaximumOf<Grey>(projection, {.samplesPastEnd = kGreyMaximumSamplesPastEnd});
+    const auto mode = MaximumOf<Grey>(WindowOf<Grey>(projection, WindowTest::Inclusive),
+                                      {.samplesPastEnd = kGreyMaximumSamplesPastEnd});
+    RenderExtreme(projection, RuleWithRows(mode, projection), mode);
+}
+
+void RenderLargestBytes(const Projection& projection) {
+    const auto mode = MaximumOf<Grey>(GreyWindow({1, kLargestGrey}), {});
     RenderExtreme(projection, RuleWithRows(mode, projection), mode);
 }
 
 void MaxProjectionRgb(const Projection& projection) {
-    const auto mode = MaximumOf<Rgb>(projection, {});
+    const auto mode = MaximumOf<Rgb>(WindowOf<Rgb>(projection, WindowTest::Inclusive), {});
     Render(projection, RuleWithRows(mode, projection));
 }
 

@@ -18,11 +18,17 @@ public:
     // From array row `firstRow` to the bottom of the image.
     void Render(std::int32_t firstRow);
 
+    // Packets in which a pixel holds `value`. The others stay as they are.
+    void RenderAgain(float value);
+
 private:
     bool IsOptional() const { return projection_.skipPolicy == SkipPolicy::WhereItPays; }
     double EstimateFruitless();
     void RenderTile(std::int32_t band, std::int32_t rows, std::int32_t left, std::int32_t columns);
-    void RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile, std::int32_t column);
+    [[gnu::noinline]] bool IsAgain(std::int32_t top, std::int32_t rows, std::int32_t left,
+                                   std::int32_t columns) const;
+    [[gnu::noinline]] void RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile,
+                                        std::int32_t column);
     void FollowRays(const Packet& packet, std::int32_t top, std::int32_t left);
     void FinishPacket(std::int32_t top, std::int32_t left);
     void Probe(Positions& positions, int samples, Bytes remaining);
@@ -35,6 +41,7 @@ private:
     const SampleStepper stepper_;
     BoundTable table_;
     const BoundLookup bounds_;
+    const float* again_ = nullptr; // the only value that is rendered again, if not all are
     bool isSkipping_ = false;
     bool isProbing_ = false;
     bool wasFruitless_ = false;

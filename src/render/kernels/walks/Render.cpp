@@ -100,4 +100,8 @@ void RenderAllSamples(const Projection& projection, const Rule& rule) {
     RenderPacketsWithoutTable(projection, rule, rule.shape.border);
 }
 
+void RenderAgain(const Projection& projection, const Rule& rule, float value) {
+    PacketWalk(projection, rule).RenderAgain(value);
+}
+
 } // namespace z3d::render::Z3D_ISA

@@ -15,4 +15,7 @@ void RenderExtreme(const Projection& projection, const Rule& rule, const GreyExt
 // By packets, without a table of bounds: for samples that are not voxels. The window must not be empty.
 void RenderAllSamples(const Projection& projection, const Rule& rule);
 
+// Again, the packets in which pixels hold this value.
+void RenderAgain(const Projection& projection, const Rule& rule, float value);
+
 } // namespace z3d::render::Z3D_ISA
