@@ -52,7 +52,7 @@ TEST_P(BlendWeights, OfAnyTransparency) {
 TEST_P(BlendWeights, ThatLeadToTheInitialValue) {
     const float transparency = BytesPerVoxel() == 1 ? 0x1.fdfffcp127f : 0x1.fdfffep127f;
     const ComparedVolume compared(SparseGreys(2));
-    const float greys = static_cast<float>(ValueOf({16, 16, 16}));
+    const float greys = static_cast<float>(ValueOf({16, 16, 16}, BytesPerVoxel()));
     ExpectAlike(compared, transparency, greys, greys);
     ExpectAlike(compared, transparency, 0, greys);
 }
