@@ -26,7 +26,10 @@ struct Hit : NothingPending {
     typename Format::Window window;
 
     explicit Hit(const Projection& projection)
-        : window(WindowOf<Format>(projection, WindowTest::Inclusive)) {}
+        : window(WindowOf<Format>(projection, WindowTest::Inclusive)) {
+        // Every ray ends with its first sample: the second would only wait for memory.
+        if (window.IsFull()) looks.first = 1;
+    }
 
     Z3D_INLINE void Sample(const typename Format::Sample& voxels, const SamplePlace&, Bytes accepted,
                            State& state) const {
