@@ -24,14 +24,14 @@ from numpy_peer import NumPy
 from opencv_peer import OpenCv
 from ours import Native, Shipped
 from scipy_peer import SciPy
-from table import JobRows, PeerRow, lines
+from table import JobRows, PeerRow, brief, lines
 from timing import time_in_turn
 from volpack_peer import VolPack
 from vtk_raycast import VtkRayCast
 from vtk_reslice import VtkReslice
 
 HEAD = Path("/usr/share/mricron/templates/ch2.nii.gz")
-LIBRARY = Path("build/native/bin/libzentra_native_host.so")
+LIBRARY = Path("build/native/bin/libzentra3drendering.so")
 HOST = ["cmake/run-wine", "build/win32/bin/bench_timing_host.exe", "build/win32/bin/Zentra3DRendering.dll"]
 PACKAGES = ("python3-numpy", "python3-scipy", "python3-opencv", "python3-vtk9", "libvolpack1")
 
@@ -46,6 +46,7 @@ an earlier call is not made again. result: same bits as ours, or the correlation
 def options() -> argparse.Namespace:
     parser = argparse.ArgumentParser(prog="scripts/compare", description=__doc__)
     parser.add_argument("--quick", action="store_true", help="compare the results, and time nothing")
+    parser.add_argument("--brief", action="store_true", help="of each job show the fastest peers only")
     parser.add_argument("--only", default="", metavar="TEXT", help="jobs whose name contains the text")
     parser.add_argument("--seconds", type=float, default=0.5, help="for each contender of a job (%(default)s)")
     return parser.parse_args()
@@ -55,8 +56,9 @@ def heading() -> str:
     cpu = re.search(r"model name\s*: (.*)", Path("/proc/cpuinfo").read_text())
     packages = subprocess.run(["dpkg-query", "-W", "-f", "${Package} ${source:Upstream-Version}, ", *PACKAGES],
                               capture_output=True, text=True, check=True).stdout
-    return (f"{datetime.date.today()}, {cpu[1] if cpu else 'processor unknown'}, one core; a head of 181 x 217 x 181 voxels."
-            f"\nPeers: {packages.rstrip(', ')}.")
+    processor = cpu[1] if cpu else "an unknown processor"
+    return (f"{datetime.date.today()}, {processor}, one core; a head of 181 x 217 x 181 voxels.\n"
+            f"Peers: {packages.rstrip(', ')}.")
 
 
 class Comparison:
@@ -121,7 +123,8 @@ def main() -> int:
         theirs = [attempt for peer in peers for attempt in peer.attempts(job)]
         comparison.measure(job, shipped.attempts(job) + native.attempts(job), theirs)
     shipped.close()
-    print(heading(), LEGEND, *lines(comparison.rows), "", "What the peers do otherwise:", sep="\n")
+    table = brief(comparison.rows) if arguments.brief else lines(comparison.rows)
+    print(heading(), LEGEND, *table, "", "What the peers do otherwise:", sep="\n")
     print(*comparison.noted(), sep="\n")
     for failure in comparison.failures:
         print(f"compare: {failure}", file=sys.stderr)

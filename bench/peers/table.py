@@ -7,6 +7,8 @@ from dataclasses import dataclass, field
 
 HEADINGS = ("job", "DLL", "native", "peer", "result", "from bytes", "", "tables kept", "")
 LEFT_ALIGNED = (0, 3)
+BRIEF_HEADINGS = ("job", "DLL", "native", "fastest peer", "from bytes", "", "fastest peer", "tables kept", "")
+BRIEF_LEFT_ALIGNED = (0, 3, 6)
 
 
 @dataclass
@@ -52,15 +54,38 @@ def _cells(rows: JobRows) -> Iterable[Sequence[str]]:
         head = ["", "", ""]
 
 
-def lines(table: Iterable[JobRows]) -> list[str]:
-    """One line per peer of a job."""
-    cells = [HEADINGS, *(line for rows in table for line in _cells(rows))]
-    widths = [max(len(line[column]) for line in cells) for column in range(len(HEADINGS))]
+def _laid_out(cells: Sequence[Sequence[str]], left_aligned: Sequence[int]) -> list[str]:
+    """The first line is the heading."""
+    columns = range(len(cells[0]))
+    widths = [max(len(line[column]) for line in cells) for column in columns]
 
     def laid_out(line: Sequence[str]) -> str:
-        return "| " + " | ".join(cell.ljust(width) if column in LEFT_ALIGNED else cell.rjust(width)
-                                 for column, (cell, width) in enumerate(zip(line, widths))) + " |"
+        return "| " + " | ".join(cell.ljust(width) if column in left_aligned else cell.rjust(width)
+                                 for column, cell, width in zip(columns, line, widths)) + " |"
 
-    rule = "|" + "|".join("-" * (width + 2) if column in LEFT_ALIGNED else "-" * (width + 1) + ":"
-                          for column, width in enumerate(widths)) + "|"
+    rule = "|" + "|".join("-" * (widths[column] + 2) if column in left_aligned else "-" * (widths[column] + 1) + ":"
+                          for column in columns) + "|"
     return [laid_out(cells[0]), rule, *map(laid_out, cells[1:])]
+
+
+def lines(table: Iterable[JobRows]) -> list[str]:
+    """One line per peer of a job."""
+    return _laid_out([HEADINGS, *(line for rows in table for line in _cells(rows))], LEFT_ALIGNED)
+
+
+def brief(table: Iterable[JobRows]) -> list[str]:
+    """One line per job, with the fastest peer of each kind."""
+
+    def fastest(times: list[tuple[float, str]], ours: float | None) -> list[str]:
+        if not times:
+            return ["", "", ""]
+        time, peer = min(times)
+        return [peer, _milliseconds(time), _ratio(time, ours)]
+
+    cells: list[Sequence[str]] = [BRIEF_HEADINGS]
+    for rows in table:
+        cold = [(peer.cold, peer.peer) for peer in rows.peers if peer.cold is not None]
+        kept = [(peer.kept, peer.peer) for peer in rows.peers if peer.kept is not None]
+        cells.append([rows.job, _milliseconds(rows.shipped), _milliseconds(rows.native), *fastest(cold, rows.shipped),
+                      *fastest(kept, rows.shipped)])
+    return _laid_out(cells, BRIEF_LEFT_ALIGNED)
