@@ -123,7 +123,7 @@ def main() -> int:
         theirs = [attempt for peer in peers for attempt in peer.attempts(job)]
         comparison.measure(job, shipped.attempts(job) + native.attempts(job), theirs)
     shipped.close()
-    table = brief(comparison.rows) if arguments.brief else lines(comparison.rows)
+    table = (brief if arguments.brief and not arguments.quick else lines)(comparison.rows)
     print(heading(), LEGEND, *table, "", "What the peers do otherwise:", sep="\n")
     print(*comparison.noted(), sep="\n")
     for failure in comparison.failures:
