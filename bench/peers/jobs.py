@@ -79,10 +79,20 @@ JOBS: tuple[Job, ...] = (
 
 
 class Likeness(enum.Enum):
-    """How a peer's result has to compare with the library's. What is alike may differ in samples and roundings."""
+    """How a peer's result has to compare with the library's: bit for bit, or with at least this correlation.
 
-    SAME = "same"
-    ALIKE = "alike"
+    What is alike may differ in samples and roundings; a view from elsewhere correlates less. Surfaces may be shaded
+    otherwise too.
+    """
+
+    SAME = 1.0
+    ALIKE = 0.92
+    SHADED_OTHERWISE = 0.8
+
+    @staticmethod
+    def of_mode(mode: Mode) -> Likeness:
+        """For a peer that does not look at exactly the same voxels."""
+        return Likeness.SHADED_OTHERWISE if mode == Mode.SURFACE else Likeness.ALIKE
 
 
 @dataclass(frozen=True)

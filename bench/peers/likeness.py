@@ -6,7 +6,6 @@ import numpy
 
 from jobs import Array, Likeness
 
-LEAST_CORRELATION = 0.8
 # Pixels without a contribution hold the lowest or the highest float.
 LARGEST_VALUE = 1e30
 
@@ -30,6 +29,6 @@ def compare(ours: Array, theirs: Array, likeness: Likeness) -> str:
         return "same"
     hit = numpy.abs(ours.astype(numpy.float64)) < LARGEST_VALUE
     correlation = float(numpy.corrcoef(ours[hit].astype(numpy.float64), theirs[hit].astype(numpy.float64))[0, 1])
-    if not correlation >= LEAST_CORRELATION:
+    if not correlation >= likeness.value:
         raise NotAlike(f"a result with a correlation of {correlation:.3f} to ours")
     return f"{correlation:.3f}"

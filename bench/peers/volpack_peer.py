@@ -140,10 +140,11 @@ class VolPack:
         kept.classify()
 
         cold = functools.partial(self._classified_and_rendered, job)
+        likeness = Likeness.of_mode(job.mode)
         note = SURFACE_NOTE if job.mode == Mode.SURFACE else NOTE
-        return [Attempt("VolPack", lambda: seconds_of(cold), lambda: cold()[::-1], Likeness.ALIKE, note=note),
-                Attempt("VolPack", lambda: seconds_of(kept.render), lambda: kept.render()[::-1].copy(), Likeness.ALIKE,
-                        keeps=True, note=note)]
+        return [Attempt("VolPack", lambda: seconds_of(cold), lambda: cold()[::-1], likeness, note=note),
+                Attempt("VolPack", lambda: seconds_of(kept.render), lambda: kept.render()[::-1].copy(), likeness, keeps=True,
+                        note=note)]
 
     def _classified_and_rendered(self, job: Projection) -> Bytes:
         context = self._context(job)

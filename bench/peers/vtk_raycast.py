@@ -154,6 +154,6 @@ class VtkRayCast:
         make = functools.partial(_Scene, job, self._inputs.volume(job.channels), self._views(job))
         kept = make()
         return [Attempt("VTK ray cast", lambda: seconds_of(lambda: make().render()), lambda: make().render().picture(),
-                        Likeness.ALIKE, note=NOTE),
-                Attempt("VTK ray cast", lambda: seconds_of(kept.render), lambda: kept.render().picture(), Likeness.ALIKE,
-                        keeps=True, note=NOTE)]
+                        Likeness.of_mode(job.mode), note=NOTE),
+                Attempt("VTK ray cast", lambda: seconds_of(kept.render), lambda: kept.render().picture(),
+                        Likeness.of_mode(job.mode), keeps=True, note=NOTE)]
