@@ -22,8 +22,9 @@ constexpr char kHelp[] = R"(
 Channels
   A raw file holds slices of rows of samples, without a header: bytes, or 32-bit little-endian floats. Up to
   three of the same size are given; - stands for a channel without samples. zentra convert makes raw files of
-  other volumes. All channels are mapped through their common range to 0..255. A file that is given again, in the same spelling, is loaded once; three times the
-  same one makes a grey volume, unless --separate is given.
+  other volumes. All channels are mapped through their common range to 0..255. A file that is given again,
+  in the same spelling, is loaded once; three times the same one makes a grey volume, unless --separate is
+  given.
 
 Size
   With --max-diagonal N a longer volume shrinks to a diagonal of N voxels, in plane and in depth.
