@@ -105,12 +105,22 @@ DWORD RunningProcess() {
     return found;
 }
 
+// As a bitmap has them: the bottom row first, blue, green, red, each row filled up to a multiple of four bytes.
+void PrintBitmap(HANDLE block) {
+    const auto* const bytes = static_cast<const unsigned char*>(GlobalLock(block));
+    const auto& header = *reinterpret_cast<const BITMAPINFOHEADER*>(bytes);
+    std::printf("{\"size\": [%ld, %ld], \"bytes\": \"", header.biWidth, header.biHeight);
+    for (size_t i = 0; i < header.biSizeImage; ++i)
+        std::printf("%02x", bytes[header.biSize + i]);
+    std::printf("\"}\n");
+}
+
 int PrintClipboard() {
     if (!OpenClipboard(nullptr)) return 1;
-    const HANDLE block = GetClipboardData(CF_UNICODETEXT);
-    if (block == nullptr) return 1;
-    const std::wstring text = static_cast<const wchar_t*>(GlobalLock(block));
-    std::printf("%s\n", Json(text).c_str());
+    if (const HANDLE text = GetClipboardData(CF_UNICODETEXT); text != nullptr)
+        std::printf("%s\n", Json(static_cast<const wchar_t*>(GlobalLock(text))).c_str());
+    else if (const HANDLE bitmap = GetClipboardData(CF_DIB); bitmap != nullptr)
+        PrintBitmap(bitmap);
     CloseClipboard();
     return 0;
 }

@@ -1,9 +1,11 @@
+import json
 import os
 import random
 import struct
 import unittest
 
 import pefile
+import PIL.Image
 
 from desk import ViewerTest
 
@@ -201,6 +203,21 @@ class BesideTheCommandLine(ViewerTest):
         self.save(self.folder / "viewed.nhdr", keys="ctrl+shift+s")
         self.zentra(*self.command(), "-q", "-o", "made.nhdr")
         self.assertEqual((self.folder / "viewed.raw").read_bytes(), (self.folder / "made.raw").read_bytes())
+
+
+class Clipboard(ViewerTest):
+    def test_the_copied_picture_is_the_saved_one(self):
+        self.open(self.small_head())
+        self.key("p")
+        self.wait_for(lambda: self.find(**{"class": "ComboBox", "text": "Fire"}), "the palette stays")
+        self.save(self.folder / "viewed.png")
+        self.key("ctrl+c")
+        self.wait_for(lambda: self.status()[0] == "picture copied", "nothing is copied")
+        copied = json.loads(self.desk.output_of(os.environ["PROBE_EXE"], "clipboard")[1])
+        with PIL.Image.open(self.folder / "viewed.png") as saved:
+            stride = (3 * saved.width + 3) // 4 * 4
+            self.assertEqual(copied["size"], list(saved.size))
+            self.assertEqual(copied["bytes"], saved.convert("RGB").tobytes("raw", "BGR", stride, -1).hex())
 
 
 class Controls(ViewerTest):
