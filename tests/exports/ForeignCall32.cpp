@@ -95,7 +95,7 @@ _Z3dForeignCall:
     popl %ebx
     popl %ebp
     ret
-)
+
     .globl _Z3dNoteStack
 _Z3dNoteStack:
     movl %esp, _Z3dStackAtEntry
