@@ -1,5 +1,7 @@
 """Volumes from raw files, their progress, and ways to stop it."""
 
+import resource
+
 import numpy as np
 import pytest
 import zentra3d
@@ -87,6 +89,16 @@ def test_what_progress_raises_is_raised(files):
     with pytest.raises(KeyboardInterrupt) as caught:
         zentra3d.load_rgb(*files, SHAPE, progress=progress)
     assert caught.value is mine
+
+
+def test_stopped_loads_leave_nothing(tmp_path):
+    np.zeros(2_000_000, np.uint8).tofile(tmp_path / "large.raw")
+    for round_ in range(60):
+        with pytest.raises(zentra3d.Cancelled):
+            zentra3d.load_rgb(tmp_path / "large.raw", None, None, (50, 200, 200), progress=lambda percent: percent < 90)
+        if round_ == 20:
+            before = resource.getrusage(resource.RUSAGE_SELF).ru_maxrss
+    assert resource.getrusage(resource.RUSAGE_SELF).ru_maxrss - before < 16000  # KB: 40 volumes would be 80 MB and more
 
 
 def test_what_is_wrong_is_said(files, tmp_path):

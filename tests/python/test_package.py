@@ -59,6 +59,27 @@ def test_the_library_stays_out_of_everybody_elses_way():
     assert result.stdout == "False\n"
 
 
+# What is Windows' own, stood in for: ways to load a DLL and to be called back, the name of its code page.
+ON_WINDOWS = """
+import codecs, ctypes, os, sys
+import numpy
+sys.platform = "win32"
+ctypes.WinDLL = lambda name: ctypes.CDLL(os.environ["ZENTRA3D_LIBRARY"])
+ctypes.WINFUNCTYPE = ctypes.CFUNCTYPE
+codecs.register(lambda name: codecs.lookup("utf-8") if name == "mbcs" else None)
+import zentra3d
+numpy.arange(24, dtype=numpy.uint8).tofile("grey.raw")
+seen = []
+with zentra3d.load_grey("grey.raw", (2, 3, 4), progress=seen.append) as volume:
+    print(volume.project().max(), seen[-1], zentra3d._library.FILE_NAME)
+"""
+
+
+def test_the_parts_for_windows_fit_together(tmp_path):
+    result = run(tmp_path, ON_WINDOWS, **{VARIABLE: os.environ[VARIABLE], "PYTHONPATH": str(PACKAGE.parent)})
+    assert result.stdout == "23.0 100.0 Zentra3DRendering.dll\n", result.stderr
+
+
 def test_one_version():
     project = (PACKAGE.parent / "pyproject.toml").read_text(encoding="utf-8")
     assert f'\nversion = "{zentra3d.__version__}"\n' in project
