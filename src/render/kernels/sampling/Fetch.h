@@ -91,7 +91,8 @@ Z3D_INLINE void Fetch(const VoxelGrid& grid, const Indexes& indexes, int samples
     }
 }
 
-// Colours by plain loads. A slice's last voxel has nothing behind it that may be read: it is read with the byte before it.
+// Colours by plain loads. A slice's last voxel has nothing behind it that may be read: it is read with the byte before
+// it.
 Z3D_INLINE void FetchColours(const VoxelGrid& grid, const Indexes& __restrict indexes, int samples,
                              std::uint32_t (&__restrict words)[kSamples][kRays]) {
     const std::uint32_t last =

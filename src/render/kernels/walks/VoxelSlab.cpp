@@ -39,8 +39,8 @@ Z3D_INLINE Wide HighBytes(Wide a, Wide b) {
 #endif
 }
 
-// Sixteen bytes of row `row` of each part. In a folded vector the upper half has the rows of the lower one, but the next
-// sixteen columns.
+// Sixteen bytes of row `row` of each part. In a folded vector the upper half has the rows of the lower one, but the
+// next sixteen columns.
 template <bool kIsFolded>
 Z3D_INLINE Wide LoadRows(const std::uint8_t* const* rows, int row, std::size_t column) {
     const auto part = [&](int number) {

@@ -1,6 +1,6 @@
 // A part of the volume laid out anew: voxels of the y or z axis side by side, so that they are reduced together as
-// those of a row are. Thirty-two of them, or sixteen colours: a slab of a head stays in the cache, and its memory serves
-// for the next one.
+// those of a row are. Thirty-two of them, or sixteen colours: a slab of a head stays in the cache, and its memory
+// serves for the next one.
 #pragma once
 
 #include "platform/Heap.h"
@@ -33,8 +33,8 @@ public:
     // Lays out the voxels `first` to `last`, no more than that. What follows them is unspecified.
     void Fill(std::int32_t first, std::int32_t last);
 
-    // The lanes at x = 0 for the other axis's voxel `other`; those at x follow `x` * Lanes() voxels behind. The channels
-    // of a colour are Lanes() bytes apart.
+    // The lanes at x = 0 for the other axis's voxel `other`; those at x follow `x` * Lanes() voxels behind. The
+    // channels of a colour are Lanes() bytes apart.
     const std::uint8_t* LanesAt(std::uint32_t other) const {
         return memory_.Get() + (other - static_cast<std::uint32_t>(extent_.first[1])) * layerBytes_;
     }
