@@ -4,7 +4,7 @@ from __future__ import annotations
 
 import ctypes
 import functools
-from ctypes import c_double, c_float, c_int, c_uint, c_void_p
+from ctypes import c_double, c_int, c_uint, c_void_p
 
 import numpy
 import numpy.typing
