@@ -25,8 +25,7 @@ struct Hit : NothingPending {
     Looks looks = {.initial = kLowestFloat, .measure = Measure::Presence, .first = 2, .later = 8};
     typename Format::Window window;
 
-    explicit Hit(const Projection& projection)
-        : window(WindowOf<Format>(projection, WindowTest::Inclusive)) {
+    explicit Hit(const Projection& projection) : window(WindowOf<Format>(projection, WindowTest::Inclusive)) {
         // Every ray ends with its first sample: the second would only wait for memory.
         if (window.IsFull()) looks.first = 1;
     }
