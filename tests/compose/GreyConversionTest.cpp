@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -47,6 +49,21 @@ TEST(GreyConversion, SaturatesButReportsWhatLiesBeyond) {
     EXPECT_TRUE(HasSamples(result.get(), ByteStack(1, 1, 3, {0, 255, 128})));
     EXPECT_EQ(display.max, 382.5f);
     EXPECT_EQ(display.min, -127.5f);
+}
+
+// Samples are converted 4096 at a time: neither what came before nor the first of a lot is forgotten.
+TEST(GreyConversion, FindsTheExtremesOfALargeSliceWhereverTheyAre) {
+    for (const std::size_t lowest : {0, 4096, 9999}) {
+        std::vector<float> samples(10000, 0.5f);
+        samples[lowest] = 0;
+        samples[samples.size() - 1 - lowest] = 1;
+        ValueRange display;
+
+        Converted(FloatStack(100, 100, 1, samples), {1, 0}, display);
+
+        EXPECT_EQ(display.max, 255) << "lowest at " << lowest;
+        EXPECT_EQ(display.min, 0) << "lowest at " << lowest;
+    }
 }
 
 // 255 / (1 - 0.7) is 849.99994 in floats and 0.7 * -255 / (1 - 0.7) is -595: the range's own lower end comes out
