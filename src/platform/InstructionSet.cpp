@@ -25,7 +25,7 @@ constexpr bool Has(std::uint32_t flags, std::uint32_t wanted) { return (flags & 
 constexpr int kUnknown = -1;
 
 // Every thread that asks first would store the same.
-std::atomic<int> best{kUnknown};
+std::atomic<int> knownBest{kUnknown};
 std::atomic<int> current{kUnknown};
 
 InstructionSet AskForBest() {
@@ -51,10 +51,10 @@ InstructionSet AskForBest() {
 
 // Asked once: on a virtual machine a question to the processor takes as long as a small picture.
 InstructionSet BestInstructionSet() {
-    int known = best.load(std::memory_order_relaxed);
+    int known = knownBest.load(std::memory_order_relaxed);
     if (known == kUnknown) {
         known = static_cast<int>(AskForBest());
-        best.store(known, std::memory_order_relaxed);
+        knownBest.store(known, std::memory_order_relaxed);
     }
     return static_cast<InstructionSet>(known);
 }

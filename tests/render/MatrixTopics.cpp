@@ -121,6 +121,16 @@ void UnevenMatricesSumsBeyondTheWholeNumbersOfAFloat(Visit& visit) {
     visit.See(visit.View(rotation));
 }
 
+// The same where x lies along the picture and the pixels of one line look up voxels of two rows: from y = 2.50985 to
+// 2.51015. A sum of 101377 samples of 255 is 25886716 when they are added one by one, and 25851136 in sixteens.
+void UnevenMatricesSumsOfPixelsThatShareNoLine(Visit& visit) {
+    visit.Show(ConstantVolume(visit.Size(4, 5, 100), 255));
+    const Rotation rotation = {1, 1e-4f, 0, 0, 0.51f, 0, 0, 0, 1024};
+    const reference::Request request = visit.View(rotation);
+    EXPECT_EQ(reference::Render(visit.Volume(), request).pixels.at(0), 25886716.0f);
+    visit.See(request);
+}
+
 // Viewing directions of up to 1024 samples per voxel, the longest that are rendered; and depths of output beyond the
 // whole numbers that floats can tell apart.
 
@@ -207,6 +217,7 @@ std::vector<Topic> MatrixTopics() {
         {"UnevenMatricesOffByAThousandthOverThousandsOfVoxels",
          UnevenMatricesOffByAThousandthOverThousandsOfVoxels},
         {"UnevenMatricesSumsBeyondTheWholeNumbersOfAFloat", UnevenMatricesSumsBeyondTheWholeNumbersOfAFloat},
+        {"UnevenMatricesSumsOfPixelsThatShareNoLine", UnevenMatricesSumsOfPixelsThatShareNoLine, IsSum},
         {"LongViewsOfAboutAThousandSamplesPerVoxel", LongViewsOfAboutAThousandSamplesPerVoxel},
         {"LongViewsWhoseDepthNoFloatIs", LongViewsWhoseDepthNoFloatIs},
         {"LongViewsThatMeetTheVolumeAtALastDepthThatWasRoundedUp",

@@ -42,6 +42,7 @@ private:
 };
 
 inline bool IsAny(const KernelCase&) { return true; }
+inline bool IsSum(const KernelCase& kernel) { return kernel.mode == RenderModeSum; }
 inline bool IsContrast(const KernelCase& kernel) { return kernel.mode == RenderModeContrast; }
 inline bool IsLayers(const KernelCase& kernel) {
     return kernel.mode == RenderModeSurface && kernel.extra != 0;

@@ -40,6 +40,7 @@ struct Extreme : NothingPending {
             state.largest[c] = Larger(state.largest[c], (voxels.channel[c] ^ flip) & accepted);
         state.isFound |= accepted;
     }
+    static constexpr bool MayFold() { return true; }
     Z3D_INLINE void AddTo(ColourRanks& ranks, const std::uint32_t* colours, Bytes accepted) const {
         ranks.Add(colours, flip, accepted);
     }

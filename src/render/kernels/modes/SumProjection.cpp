@@ -33,10 +33,7 @@ struct Sum {
 
     explicit Sum(const Projection& projection)
         : window(WindowOf<Format>(projection, WindowTest::Inclusive)),
-          isExact(projection.view.outputDepth <= kExactSamples) {
-        // Then folding a stretch must not add its samples up.
-        if (!isExact) looks.first = looks.later = 1;
-    }
+          isExact(projection.view.outputDepth <= kExactSamples) {}
 
     Z3D_INLINE void Sample(const typename Format::Sample& voxels, const SamplePlace&, Bytes accepted,
                            State& state) const {
@@ -44,6 +41,8 @@ struct Sum {
             state.sum[c].Add(voxels.channel[c] & accepted, isExact);
         state.isFound |= accepted;
     }
+    // Inexact sums depend on the order: a stretch must not be summed by itself.
+    Z3D_INLINE bool MayFold() const { return isExact; }
     Z3D_INLINE void AddTo(ColourSums& sums, const std::uint32_t* colours, Bytes accepted) const {
         sums.Add(colours, accepted);
     }

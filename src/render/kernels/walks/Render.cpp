@@ -32,7 +32,8 @@ void TrimRays(const ProjectionRenderer& view, const double* x, const double* y, 
                                  .samplesPastEnd = rule.shape.samplesPastEnd,
                                  .sampleLimit = rule.shape.sampleLimit});
     if (!lines.FindAxes()) return false;
-    // Rays that mostly end with their first samples leave nothing to gain by laying all voxels out anew.
+    // Rays that mostly end with their first samples, of which few are looked at, leave nothing to gain by laying all
+    // voxels out anew.
     if (lines.Axis() != 0 && rule.looks.first < kSamples) return false;
     // Then the paths, which take memory, and the pixels that share none.
     if (!lines.FindPaths()) return false;

@@ -8,13 +8,16 @@
 //   shape, looks   how its rays run, and how its pixels begin
 //   window         the voxel values that can contribute at all
 //   Sample         what one sample does to the rays of the mask
-//   Fold           void; or what a stretch of colours comes to before it changes the state, by AddTo and Merge
+//   Fold           void; or what a stretch of colours comes to before it changes the state, by AddTo and Merge, where
+//                  MayFold says that the result is the same
 //   EndStretch     what is left to do after 16 samples
 //   Settled        the bounds up to which stretches ahead change nothing, by ray
 //   Finish         the pixels of the rays; the initial value for those without a contribution
 //
 // Each ray does what it would do by itself, in the same order, so results are the same to the last bit whatever the
-// packet and the instruction set. What is misspelt or left out does not compile.
+// packet and the instruction set. What is misspelt or left out does not compile. One thing more may be said:
+//
+//   Outer          the outer ones of two colours' bytes, of modes that keep extremes
 #pragma once
 
 #include "render/kernels/sampling/Formats.h"
@@ -34,6 +37,7 @@ concept Mode = requires(const M& mode, const typename M::Format::Sample& sample,
     { M::kCounts } -> std::same_as<const Counts&>;
     { M::kEndsRays } -> std::same_as<const bool&>;
     { M::kReducesRows } -> std::same_as<const bool&>;
+    typename M::Fold;
     { mode.shape } -> std::same_as<const RayShape&>;
     { mode.looks } -> std::same_as<const Looks&>;
     { mode.Sample(sample, place, bytes, state) } -> std::same_as<void>;
@@ -58,36 +62,53 @@ Z3D_INLINE Bytes AreAboveNumber(Bytes remaining, int sample) {
 template <class M>
 concept Folds = !std::is_void_v<typename M::Fold>;
 
+// The stretch comes to something by itself before it changes the state.
+template <Folds M>
+Z3D_INLINE void FoldStretch(const M& mode, const typename M::Format::Samples& stretch, int samples,
+                            Bytes remaining, typename M::State& state) {
+    const auto window = mode.window;
+    typename M::Fold fold;
+    Bytes isFound = {};
+    for (int sample = 0; sample < samples; ++sample) {
+        const Bytes accepted =
+            M::Format::Accepts(window, stretch, sample) & AreAboveNumber(remaining, sample);
+        mode.AddTo(fold, stretch.sample[sample], accepted);
+        isFound |= accepted;
+    }
+    mode.Merge(fold, isFound, state);
+}
+
+// Every sample changes the state by itself.
+template <Mode M>
+Z3D_INLINE void TakeStretch(const M& mode, const typename M::Format::Samples& stretch, int samples,
+                            const Indexes& indexes, Bytes remaining, typename M::State& state,
+                            Bytes& wasAccepted) {
+    const auto window = mode.window;
+    for (int sample = 0; sample < samples; ++sample) {
+        Bytes accepted = M::Format::Accepts(window, stretch, sample) & AreAboveNumber(remaining, sample);
+        if constexpr (M::kCounts == Counts::Entries) {
+            const Bytes before = wasAccepted;
+            wasAccepted = accepted;
+            accepted &= ~before;
+        }
+        const auto& voxels = M::Format::SampleOf(stretch, sample);
+        mode.Sample(voxels, {&indexes, sample}, accepted, state);
+    }
+}
+
+// Windows are local variables there: vectors may alias anything else, and would be loaded again at every sample.
 template <Mode M>
 void LookAt(const Rule& rule, const Indexes& indexes, int samples, Bytes remaining, RayStates& states) {
     const M& mode = *static_cast<const M*>(rule.mode);
     auto& state = *reinterpret_cast<typename M::State*>(states.own);
-    // Local variables: vectors may alias anything else, and would be stored and loaded again at every sample.
-    const auto window = mode.window;
     alignas(64) typename M::Format::Samples stretch;
     Fetch(*static_cast<const typename M::Format::Source*>(rule.voxels), indexes, samples, stretch);
+    bool isFolded = false;
     if constexpr (Folds<M>) {
-        typename M::Fold fold;
-        Bytes isFound = {};
-        for (int sample = 0; sample < samples; ++sample) {
-            const Bytes accepted =
-                M::Format::Accepts(window, stretch, sample) & AreAboveNumber(remaining, sample);
-            mode.AddTo(fold, stretch.sample[sample], accepted);
-            isFound |= accepted;
-        }
-        mode.Merge(fold, isFound, state);
-    } else {
-        for (int sample = 0; sample < samples; ++sample) {
-            Bytes accepted = M::Format::Accepts(window, stretch, sample) & AreAboveNumber(remaining, sample);
-            if constexpr (M::kCounts == Counts::Entries) {
-                const Bytes before = states.wasAccepted;
-                states.wasAccepted = accepted;
-                accepted &= ~before;
-            }
-            const auto& voxels = M::Format::SampleOf(stretch, sample);
-            mode.Sample(voxels, {&indexes, sample}, accepted, state);
-        }
+        isFolded = mode.MayFold();
+        if (isFolded) FoldStretch(mode, stretch, samples, remaining, state);
     }
+    if (!isFolded) TakeStretch(mode, stretch, samples, indexes, remaining, state, states.wasAccepted);
     mode.EndStretch(state);
     states.settled = mode.Settled(state, states.highest);
 }
@@ -107,7 +128,7 @@ constexpr std::int32_t kGroupsTogether = sizeof(typename M::State) > 32 ? 1
                                          : M::kEndsRays                 ? 4
                                                                         : 2;
 template <Mode M, bool kIsFull>
-constexpr std::int32_t kMostTogether = kIsFull&& kGroupsTogether<M> == 2 ? 4 : kGroupsTogether<M>;
+constexpr std::int32_t kMostTogether = (kIsFull && kGroupsTogether<M> == 2) ? 4 : kGroupsTogether<M>;
 
 // Sixteen colours are channel after channel where they were laid out for that.
 template <class Format, bool kIsPlanar>
@@ -131,6 +152,9 @@ concept TakesExtremes = requires(Bytes bytes) {
 template <Mode M, bool kIsFull, int kTogether>
 Z3D_INLINE bool ReduceGroups(const M& mode, const VoxelRows& rows, std::int32_t group,
                              typename M::State* kept) {
+    // Extremes of whole colours have a loop of their own.
+    constexpr bool kIsPlanar = kIsFull && TakesExtremes<M>;
+
     // Load the states, unless all of their rays have ended.
     const Bytes highest[3] = {AllBytes(255), AllBytes(255), AllBytes(255)};
     typename M::State state[kTogether];
@@ -148,9 +172,8 @@ Z3D_INLINE bool ReduceGroups(const M& mode, const VoxelRows& rows, std::int32_t 
     for (int sample = 0; sample < rows.samples; ++sample) {
 #pragma GCC unroll 4
         for (int part = 0; part < kTogether; ++part) {
-            const auto sixteen = LoadRow < typename M::Format,
-                       kIsFull
-                           && TakesExtremes < M >> (rows.voxels[sample] + offset[part], rows.channelBytes);
+            const auto sixteen =
+                LoadRow<typename M::Format, kIsPlanar>(rows.voxels[sample] + offset[part], rows.channelBytes);
             const Bytes accepted = kIsFull ? AllBytes(255) : mode.window.Accepts(sixteen);
             mode.Sample(sixteen, {nullptr, 0}, accepted, state[part]);
         }
@@ -220,6 +243,8 @@ bool ReduceRows(const Rule& rule, const VoxelRows& rows, std::byte* own) {
 template <Mode M>
 Z3D_INLINE Rule RuleOf(const M& mode, const typename M::Format::Source& voxels) {
     static_assert(sizeof(typename M::State) <= kMostStateBytes);
+    // Slabs of colours are one group wide.
+    static_assert(M::Format::kChannels == 1 || kGroupsTogether<M> == 1);
     Rule rule = {.mode = &mode,
                  .voxels = &voxels,
                  .shape = mode.shape,
