@@ -195,8 +195,7 @@ SumRange Compose(const Map& map, const ChannelSamples<typename Map::Sample> (&ch
         ComposeBlocks(map, {{samples[0], 0}, {samples[1], 0}, {samples[2], 0}}, pixels, 1, sums);
         std::memcpy(to + 3 * (count - rest), pixels, 3 * rest);
     }
-    const SumRange range = sums.Range();
-    return range;
+    return sums.Range();
 }
 
 } // namespace

@@ -21,7 +21,7 @@ Z3D_INLINE Bytes Apart(const GreyWindow& window, const GreyVoxels& centre, const
     return apart & window.Accepts(other);
 }
 
-// Return how many are too large.
+// Return how many reach the largest byte; scores of 16 bits never count as too large.
 Z3D_INLINE int ScoreSixteen(const GreyWindow& window, const std::uint8_t* row,
                             const std::uint8_t* const (&from)[4], std::int32_t x, std::uint8_t* to) {
     const GreyVoxels centre = LoadVoxels<1>(row + x);
@@ -174,17 +174,20 @@ std::int32_t ContrastScores::ScoreOne(const std::uint8_t* row, const std::uint8_
     return score;
 }
 
-// The same for columns whose neighbours lie the same number of columns away, sixteen at a time; the last sixteen overlap
-// the ones before rather than leave the run.
+// The same for columns whose neighbours lie the same number of columns away, sixteen at a time; the last sixteen
+// overlap the ones before rather than leave the run, so that large scores may be counted twice.
 template <class Score>
 void ContrastScores::ScoreRun(const std::uint8_t* row, const std::uint8_t* const* neighbour, Run run,
                               Score* to) {
     const std::uint8_t* from[kDirections];
     for (int number = 0; number < kDirections; ++number)
-        from[number] = neighbour[number] + direction_[number].shift;
+        from[number] = neighbour[number] + (run.first + direction_[number].shift);
+    row += run.first;
+    to += run.first;
+    const std::int32_t last = run.last - run.first;
     std::int64_t large = 0;
-    for (std::int32_t x = run.first; x <= run.last; x += kColumns) {
-        x = std::min(x, run.last - (kColumns - 1));
+    for (std::int32_t x = 0; x <= last; x += kColumns) {
+        x = std::min(x, last - (kColumns - 1));
         large += ScoreSixteen(window_, row, from, x, to + x);
     }
     large_ += large;

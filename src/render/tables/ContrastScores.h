@@ -33,7 +33,9 @@ public:
 
     // The volume with scores for voxels. Behind the last one of all there are two bytes more.
     VoxelGrid Grid() const {
-        return {slices_.Get(), grid_.width, grid_.height, grid_.depth, grid_.isGathered};
+        // Gathers count the bytes of a slice of scores in 32 bits.
+        const bool isGathered = grid_.isGathered && std::int64_t{grid_.width} * grid_.height <= INT32_MAX;
+        return {slices_.Get(), grid_.width, grid_.height, grid_.depth, isGathered};
     }
 
 private:

@@ -13,8 +13,6 @@ struct alignas(64) ColourWords {
 
 constexpr int kWordParts = kRays / kFloatLanes; // vectors that sixteen words fill
 
-Z3D_INLINE Uints AllWords(std::uint32_t value) { return value - Uints{}; }
-
 // Takes sixteen words apart.
 Z3D_INLINE RgbVoxels SplitWords(const std::uint32_t* words) {
 #if Z3D_VECTOR_BYTES == 64

@@ -90,7 +90,7 @@ private:
                                    std::uint32_t from) {
         const std::uint32_t there = from < depth ? depth - from : 0;
         const auto exist = static_cast<__mmask16>(there < kHeld ? (1u << there) - 1 : 0xFFFF);
-        return _mm512_maskz_loadu_epi32(exist, slices + from);
+        return _mm512_maskz_loadu_epi32(exist, there > 0 ? slices + from : slices);
     }
 
     bool areNear_ = false;

@@ -5,7 +5,8 @@
 //
 // On c, entry points, faces, their depths and first samples are multiples of 1/4 that fit single precision. What strays
 // is rounded away, except beside 0: a depth is then rounded away with the half depth that is added next, and a first
-// sample at almost 0 has voxel 0 and is exact from the next step on. All hits have the samples of the view of right angles.
+// sample at almost 0 has voxel 0 and is exact from the next step on. All hits have the samples of the view of right
+// angles.
 //
 // On a and b, rays run parallel to the faces, which they do not hit. A coordinate of at least 2^-16 is the same along
 // the whole ray, as kMostStray is less than half the distance of floats there. A smaller one has voxel 0 everywhere,
