@@ -72,11 +72,35 @@ VoxelSlab::Extent LineWalk::ExtentOf(const Projection& projection, const Rule& r
 void LineWalk::Render() {
     FillAround();
     if (lines_.FirstLine() > lines_.LastLine()) return;
-    // Blocks are as long as states fit, or as a slab is wide.
-    const std::int32_t together = isDirect_ ? mostGroups_ * kRays : slab_.Lanes();
-    for (std::int32_t first = firstVoxel_; first <= lastVoxel_; first += together) {
-        const std::int32_t rest = lastVoxel_ - first;
-        RenderBlock(first, rest < together ? lastVoxel_ : first + together - 1);
+    if (isDirect_) {
+        RenderRows();
+    } else {
+        RenderSlabs();
+    }
+}
+
+// Rows of the volume, all blocks of the same ones: what is read next lies near in memory.
+void LineWalk::RenderRows() {
+    for (std::int32_t line = lines_.FirstLine(); line <= lines_.LastLine(); line += kRays) {
+        StartLines(line);
+        for (std::int32_t first = firstVoxel_; first <= lastVoxel_; first += mostGroups_ * kRays) {
+            ChooseGroups(first, mostGroups_ * kRays);
+            ReduceLines();
+            FinishLines(line);
+        }
+    }
+}
+
+// Slab after slab, each laid out once.
+void LineWalk::RenderSlabs() {
+    for (std::int32_t first = firstVoxel_; first <= lastVoxel_; first += slab_.Lanes()) {
+        ChooseGroups(first, slab_.Lanes());
+        slab_.Fill(blockFirst_, blockLast_);
+        for (std::int32_t line = lines_.FirstLine(); line <= lines_.LastLine(); line += kRays) {
+            StartLines(line);
+            ReduceLines();
+            FinishLines(line);
+        }
     }
 }
 
@@ -95,19 +119,11 @@ void LineWalk::FillAround() {
     }
 }
 
-void LineWalk::RenderBlock(std::int32_t first, std::int32_t last) {
-    ChooseGroups(first, last);
-    if (!isDirect_) slab_.Fill(first, last);
-    for (std::int32_t line = lines_.FirstLine(); line <= lines_.LastLine(); line += kRays) {
-        StartLines(line);
-        ReduceLines();
-        FinishLines(line);
-    }
-}
-
-// The voxels of each group. The last ones of a row overlap those before them rather than reading beyond the row.
-void LineWalk::ChooseGroups(std::int32_t first, std::int32_t last) {
+// The voxels of each group of a block: up to `most` voxels from `first` on. The last ones of a row overlap those before
+// them rather than reading beyond the row.
+void LineWalk::ChooseGroups(std::int32_t first, std::int32_t most) {
     const std::int32_t width = projection_.grid.width;
+    const std::int32_t last = lastVoxel_ - first < most ? lastVoxel_ : first + most - 1;
     const std::int32_t needed = (last - first + kRays) / kRays;
     const std::int32_t together = rule_.groupsTogether;
     blockFirst_ = first;

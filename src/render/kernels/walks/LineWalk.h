@@ -29,8 +29,9 @@ private:
     static VoxelSlab::Extent ExtentOf(const Projection& projection, const Rule& rule, const ViewLines& lines);
 
     void FillAround();
-    void RenderBlock(std::int32_t first, std::int32_t last);
-    void ChooseGroups(std::int32_t first, std::int32_t last);
+    void RenderRows();
+    void RenderSlabs();
+    void ChooseGroups(std::int32_t first, std::int32_t most);
     void StartLines(std::int32_t line);
     void ReduceLines();
     void FindVoxels(int row, int samples);
