@@ -24,6 +24,9 @@ zentra_sdk(docs ${PROJECT_SOURCE_DIR}/docs/contact-sheet.png ${PROJECT_SOURCE_DI
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/gallery DESTINATION docs COMPONENT sdk EXCLUDE_FROM_ALL)
 install(DIRECTORY bindings/python DESTINATION bindings COMPONENT sdk EXCLUDE_FROM_ALL
   PATTERN __pycache__ EXCLUDE PATTERN *.egg-info EXCLUDE)
+# In the package, too: what pip installs cannot see the archive's lib.
+install(FILES $<TARGET_FILE:Zentra3DRendering> DESTINATION bindings/python/zentra3d
+  RENAME $<TARGET_SONAME_FILE_NAME:Zentra3DRendering> COMPONENT sdk EXCLUDE_FROM_ALL)
 zentra_sdk(samples/c samples/c/sample.c)
 install(DIRECTORY samples/cmake DESTINATION samples COMPONENT sdk EXCLUDE_FROM_ALL)
 zentra_sdk(samples samples/expected.txt)

@@ -45,6 +45,18 @@ def test_it_is_where_the_system_looks(elsewhere, tmp_path):
     assert run(elsewhere / "bindings" / "python", LD_LIBRARY_PATH=str(tmp_path)).stdout == "7.0\n"
 
 
+def test_a_package_near_the_root_lies_in_no_archive(monkeypatch):
+    monkeypatch.delenv(VARIABLE)
+    monkeypatch.setattr(zentra3d._library, "__file__", "/zentra3d/_library.py")
+    assert list(zentra3d._library._places()) == [zentra3d._library.FILE_NAME]
+
+
+@pytest.mark.parametrize("name", ["libzentra3drendering.so.1", "Zentra3DRendering.dll"])
+def test_a_library_in_the_package_is_installed_with_it(name):
+    project = (PACKAGE.parent / "pyproject.toml").read_text(encoding="utf-8")
+    assert f'"{name}"' in re.search(r"^\[tool.setuptools.package-data\]\nzentra3d = (.*)$", project, re.MULTILINE).group(1)
+
+
 def test_what_was_tried_is_said(elsewhere):
     folder = elsewhere / "bindings" / "python"
     assert "environment variable ZENTRA3D_LIBRARY. Tried:\n  libzentra3drendering.so.1: " in run(folder).stderr

@@ -63,8 +63,8 @@ def _places() -> Iterator[str]:
         yield named
         return
     package = pathlib.Path(__file__).resolve().parent
-    archive = package.parents[2]
-    for folder in (package, package.parent, archive / ("bin" if IS_WINDOWS else "lib")):
+    archives = list(package.parents)[2:3]  # none where the package lies near the root
+    for folder in (package, package.parent, *(archive / ("bin" if IS_WINDOWS else "lib") for archive in archives)):
         if (folder / FILE_NAME).exists():
             yield str(folder / FILE_NAME)
     yield FILE_NAME
