@@ -1,6 +1,9 @@
 """Volumes from raw files, their progress, and ways to stop it."""
 
+import os
 import resource
+import signal
+import threading
 
 import numpy as np
 import pytest
@@ -89,6 +92,66 @@ def test_what_progress_raises_is_raised(files):
     with pytest.raises(KeyboardInterrupt) as caught:
         zentra3d.load_rgb(*files, SHAPE, progress=progress)
     assert caught.value is mine
+
+
+@pytest.fixture
+def large(tmp_path):
+    """So large that its load is still going on when a signal has come."""
+    shape = (60, 400, 400)
+    np.arange(np.prod(shape), dtype=np.uint32).astype(np.uint8).tofile(tmp_path / "large.raw")
+    return tmp_path / "large.raw", shape
+
+
+def test_ctrl_c_while_progress_is_told_stops(files):
+    seen = []
+
+    def progress(percent):
+        seen.append(percent)
+        if len(seen) == 3:
+            signal.raise_signal(signal.SIGINT)
+
+    handler = signal.getsignal(signal.SIGINT)
+    with pytest.raises(KeyboardInterrupt):
+        zentra3d.load_rgb(*files, SHAPE, progress=progress)
+    assert len(seen) == 3
+    assert signal.getsignal(signal.SIGINT) is handler
+
+
+@pytest.mark.parametrize("progress", [None, lambda percent: None])
+def test_ctrl_c_at_any_time_stops_and_nothing_is_lost(large, progress, capfd):
+    path, shape = large
+    for delay in np.linspace(0.001, 0.02, 10):
+        interrupt = threading.Timer(delay, os.kill, (os.getpid(), signal.SIGINT))
+        with pytest.raises(KeyboardInterrupt):
+            interrupt.start()
+            for _ in range(100):  # one interrupt is enough, wherever it comes
+                zentra3d.load_rgb(path, None, None, shape, progress=progress).close()
+        interrupt.join()
+    assert "ignored" not in capfd.readouterr().err
+
+
+def test_a_handler_of_the_hosts_own_that_does_not_raise_lets_the_load_go_on(files):
+    calls = []
+    before = signal.signal(signal.SIGINT, lambda number, frame: calls.append(number))
+    try:
+        zentra3d.load_rgb(*files, SHAPE, progress=lambda _: None if calls else signal.raise_signal(signal.SIGINT)).close()
+    finally:
+        signal.signal(signal.SIGINT, before)
+    assert calls == [signal.SIGINT]
+
+
+def test_another_thread_loads_with_and_without_progress(files):
+    seen, shapes = [], []
+
+    def work():
+        for progress in (None, seen.append):
+            with zentra3d.load_rgb(*files, SHAPE, progress=progress) as volume:
+                shapes.append(volume.shape)
+
+    thread = threading.Thread(target=work)
+    thread.start()
+    thread.join()
+    assert shapes == [SHAPE + (3,)] * 2 and seen[-1] == 100
 
 
 def test_stopped_loads_leave_nothing(tmp_path):

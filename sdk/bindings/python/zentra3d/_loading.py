@@ -2,11 +2,14 @@
 
 from __future__ import annotations
 
+import contextlib
 import ctypes
 import math
 import os
+import signal
 import struct
-from typing import Any, Callable, Optional, Sequence, Tuple, Union
+import threading
+from typing import Any, Callable, Iterator, Optional, Sequence, Tuple, Union
 
 import numpy as np
 from numpy.typing import DTypeLike
@@ -51,7 +54,7 @@ def _phase_count(names: Sequence[Optional[bytes]], shape: Tuple[int, int, int], 
 
 
 class _Reporter:
-    """Tells how far the whole is. What the listener raises waits until the library has returned."""
+    """Tells how far the whole is. What the listener raises, or a signal's handler, waits until the library has returned."""
 
     def __init__(self, progress: Optional[Progress], phases: int) -> None:
         self.raised: Optional[BaseException] = None
@@ -61,6 +64,8 @@ class _Reporter:
         self._last = 0.0
 
     def __call__(self, _user: int, code: int, bits: int) -> int:
+        if self.raised is not None:
+            return _library.PROGRESS_CANCEL
         if self._listen is None or code not in (ProgressCode.START, ProgressCode.PERCENT):
             return _library.PROGRESS_GO_ON
         if self._last >= 100:  # the next phase, which may or may not say that it starts
@@ -73,13 +78,40 @@ class _Reporter:
                 raise Cancelled("loading was stopped by progress")
         except BaseException as raised:
             self.raised = raised
-            return _library.PROGRESS_CANCEL
-        return _library.PROGRESS_GO_ON
+        return _library.PROGRESS_GO_ON if self.raised is None else _library.PROGRESS_CANCEL
 
     def finish(self) -> None:
         """The last report, which a progress bar waits for."""
         if self._listen is not None and self._last > 0:
             self._listen(100.0)
+
+
+@contextlib.contextmanager
+def _keeping_interrupts(report: _Reporter) -> Iterator[bool]:
+    """Ctrl-C while the library loads stops it: its handler is called as ever, and the report keeps what that raises.
+
+    Without this it would be raised where the library calls back, and be lost there. False where no handler can run.
+    """
+    handler = signal.getsignal(signal.SIGINT) if threading.current_thread() is threading.main_thread() else None
+    if not callable(handler):
+        yield False
+        return
+
+    def keep(number: int, frame: Any) -> None:
+        try:
+            handler(number, frame)
+        except BaseException as raised:
+            report.raised = report.raised or raised
+
+    try:
+        signal.signal(signal.SIGINT, keep)
+    except ValueError:  # the main thread of an interpreter inside another one
+        yield False
+        return
+    try:
+        yield True
+    finally:
+        signal.signal(signal.SIGINT, handler)
 
 
 def load_rgb(red: Optional[Path], green: Optional[Path], blue: Optional[Path], shape: Sequence[int], *,
@@ -93,6 +125,8 @@ def load_rgb(red: Optional[Path], green: Optional[Path], blue: Optional[Path], s
     progress      a callable that gets the percentage of the whole, 0 to 100; returning False stops (Cancelled), and so does
                   whatever it raises, which is raised again. A tqdm bar will do in its place.
 
+    Ctrl-C stops, with and without progress, and raises KeyboardInterrupt. (Where a program has a handler of its own for
+    it, that one is called while the library loads, and stops by raising.)
     The volume's display_range is what its values lie in, of RGB by the sum of the channels: a good window.
     Raises OSError for a file that cannot be opened. Bytes that a file lacks are 0; those beyond are ignored.
     """
@@ -103,17 +137,19 @@ def load_rgb(red: Optional[Path], green: Optional[Path], blue: Optional[Path], s
         raise ValueError("no channel file is named")
     diagonal = max(0, min(int(max_diagonal), LONGEST))
     report = _Reporter(progress, _phase_count(names, (depth, height, width), is_8bit, diagonal, keep_apart))
-    callback = _library.ProgressCallback(report)
     high, low = ctypes.c_float(), ctypes.c_float()
-    record = _library.library.GetRGBImage(*names, width, height, depth, 0, 0, 0, is_8bit, diagonal, high, low, None, None,
-                                          0, callback, keep_apart)
+    with _keeping_interrupts(report) as can_be_interrupted:
+        is_heard = can_be_interrupted or progress is not None
+        callback = _library.ProgressCallback(report) if is_heard else _library.ProgressCallback()
+        record = _library.library.GetRGBImage(*names, width, height, depth, 0, 0, 0, is_8bit, diagonal, high, low, None, None,
+                                              0, callback, keep_apart)
+        volume = Volume._adopt(record, (low.value, high.value)) if record else None
     if report.raised is not None:
-        if record:
-            _library.library.Free3DData(record)
+        if volume is not None:
+            volume.close()
         raise report.raised
-    if not record:
+    if volume is None:
         raise OutOfMemory("the library got no memory for the volume")
-    volume = Volume._adopt(record, (low.value, high.value))
     report.finish()
     return volume
 
