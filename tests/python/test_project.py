@@ -1,6 +1,8 @@
 """What a picture is, and what is refused with a sentence."""
 
+import copy
 import gc
+import pickle
 import threading
 
 import numpy as np
@@ -133,6 +135,14 @@ def test_a_closed_volume_says_so_and_its_pictures_stay(grey):
         volume.project()
     assert "closed" in repr(volume)
     np.testing.assert_array_equal(picture[..., 0], grey.max(axis=0)[::-1])
+
+
+@pytest.mark.parametrize("duplicate", [copy.copy, copy.deepcopy, pickle.dumps])
+def test_a_volume_is_not_copied_with_its_pointer(grey, duplicate):
+    with Volume(grey) as volume:
+        with pytest.raises(TypeError, match="cannot be copied or pickled"):
+            duplicate(volume)
+        np.testing.assert_array_equal(Volume(volume.to_array()).project(), volume.project())
 
 
 def resident():

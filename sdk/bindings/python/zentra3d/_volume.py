@@ -8,7 +8,7 @@ import enum
 import threading
 import weakref
 from types import TracebackType
-from typing import Any, Iterator, Optional, Sequence, Tuple, Type, Union
+from typing import Any, Iterator, NoReturn, Optional, Sequence, Tuple, Type, Union
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -118,6 +118,9 @@ class Volume:
         volume = cls.__new__(cls)
         volume._record, volume._lock, volume.display_range = record, threading.Lock(), display_range
         return volume
+
+    def __reduce_ex__(self, protocol: Any) -> NoReturn:
+        raise TypeError("a Volume is memory of the library: it cannot be copied or pickled. Make one of volume.to_array().")
 
     @property
     def record(self) -> Any:
