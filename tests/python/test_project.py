@@ -67,6 +67,24 @@ def test_crop_is_slices_of_the_array_and_keeps_the_size(grey):
     assert seen[3:, :9].all() and seen.sum() == 8 * 9
 
 
+@pytest.mark.parametrize("crop, mode, value", [
+    (slice(2, 4), "max", 50),  # one sample more beyond the far end
+    (slice(2, 4), "min", 30), (slice(2, 4), "sum", 30 + 40), (slice(2, 4), "first", 30),
+    (slice(2, 3), "max", 40), (slice(2, 3), "min", 20),  # a single slice, with the one before it
+    (slice(2, 3), "sum", 20 + 30), (slice(2, 3), "first", 20),
+    (slice(4, 6), "max", 60), (slice(0, 2), "min", 10)])
+def test_along_the_view_a_crop_takes_samples_of_its_neighbours(crop, mode, value):
+    steps = np.broadcast_to(np.arange(10, 70, 10, dtype=np.uint8)[:, None, None], (6, 4, 5))
+
+    assert (zentra3d.project(steps, mode=mode, crop=(crop, slice(None), slice(None))) == value).all()
+
+
+def test_the_maximum_in_colour_stays_within_the_crop():
+    steps = np.broadcast_to(np.arange(10, 70, 10, dtype=np.uint8)[:, None, None, None], (6, 4, 5, 3))
+
+    assert (zentra3d.project(steps, crop=np.s_[2:4, :, :]) == 40).all()
+
+
 def test_a_mirrored_picture_has_left_and_right_exchanged(grey):
     np.testing.assert_array_equal(zentra3d.project(grey, mirror=True), zentra3d.project(grey)[:, ::-1])
 
@@ -99,7 +117,11 @@ def test_arrays_need_not_be_contiguous(grey, colour):
     (dict(matrix=np.eye(4)), ValueError, "3 rows of 3"),
     (dict(matrix=np.diag([1, 1, 2000])), ValueError, "third row"),
     (dict(matrix=np.diag([1e5, 1, 1])), ValueError, "more than 65535"),
+    (dict(array=np.zeros((1, 1, 1), np.uint8), matrix=np.diag([1e300, 1, 1])), ValueError, "not in 32 bits"),
     (dict(window=(1, 2, 3)), ValueError, r"\(low, high\)"),
+    (dict(window=(1, "x")), ValueError, "window 'x': a number"),
+    (dict(extra="x"), ValueError, "extra 'x': a number"),
+    (dict(extra=None), TypeError, "extra None: a number"),
     (dict(crop=np.s_[1:2, 1:2]), ValueError, "three slices"),
     (dict(crop=np.s_[1:2, 1:2, 0]), ValueError, "three slices"),
     (dict(crop=np.s_[2:2, :, :]), ValueError, "at least one voxel"),
@@ -133,7 +155,9 @@ def test_a_closed_volume_says_so_and_its_pictures_stay(grey):
 
     with pytest.raises(ValueError, match="closed"):
         volume.project()
-    assert "closed" in repr(volume)
+    with pytest.raises(ValueError, match="closed"):
+        volume.size()
+    assert "closed" in repr(volume) and volume.shape == grey.shape and not volume.is_rgb
     np.testing.assert_array_equal(picture[..., 0], grey.max(axis=0)[::-1])
 
 
@@ -143,6 +167,13 @@ def test_a_volume_is_not_copied_with_its_pointer(grey, duplicate):
         with pytest.raises(TypeError, match="cannot be copied or pickled"):
             duplicate(volume)
         np.testing.assert_array_equal(Volume(volume.to_array()).project(), volume.project())
+
+
+def test_a_size_that_cannot_be_told_raises(grey, monkeypatch):
+    with Volume(grey) as volume:
+        monkeypatch.setattr(zentra3d._library.library, "GetRotDim", lambda *_: None)  # which leaves 0 and 0
+        with pytest.raises(zentra3d.OutOfMemory):
+            volume.size()
 
 
 def resident():

@@ -18,6 +18,7 @@ from .errors import OutOfMemory
 
 LONGEST = 32767  # voxels of an axis: crop bounds have 16 bits, signed
 _LONGEST_VIEW = 1024  # of the third row of a matrix
+_LARGEST_FLOAT = float(np.finfo(np.float32).max)
 
 # What a pixel without a contribution holds, in most modes and in the minimum. Surfaces have 0 there.
 NO_VALUE = np.float32(-3.4028234663852886e38)
@@ -69,6 +70,13 @@ def _check_lengths(shape: Sequence[int]) -> None:
         raise ValueError(f"{' x '.join(map(str, shape))} voxels: three lengths (Z, Y, X) of 1 to {LONGEST} are wanted")
 
 
+def _number(value: Any, name: str) -> float:
+    try:
+        return float(value)
+    except (TypeError, ValueError, OverflowError) as wrong:
+        raise type(wrong)(f"{name} {value!r}: a number is wanted") from None
+
+
 def _bounds(crop: Optional[Crop], shape: Tuple[int, int, int]) -> list[int]:
     """The library's crop box, 1-based and inclusive, x first, of slices in the order of the array."""
     slices = (slice(None),) * 3 if crop is None else tuple(crop)
@@ -104,6 +112,7 @@ class Volume:
         self.display_range: Optional[Window] = None  # (low, high) of what load_rgb and load_grey made
         voxels = _checked(array)
         depth, height, width = voxels.shape[:3]
+        self._shape: Tuple[int, ...] = voxels.shape
         self._record = _library.library.GlobalAlloc3D(width, height, depth, 3 if voxels.ndim == 4 else 1)
         if not self._record:
             raise OutOfMemory("the library got no memory for a volume of " + " x ".join(map(str, voxels.shape)))
@@ -117,6 +126,9 @@ class Volume:
     def _adopt(cls, record: Any, display_range: Window) -> "Volume":
         volume = cls.__new__(cls)
         volume._record, volume._lock, volume.display_range = record, threading.Lock(), display_range
+        made = record.contents
+        grey = made.depth, made.height, made.width
+        volume._shape = grey + (3,) if made.slices[0].contents.bytes_per_pixel == 3 else grey
         return volume
 
     def __reduce_ex__(self, protocol: Any) -> NoReturn:
@@ -131,14 +143,12 @@ class Volume:
 
     @property
     def shape(self) -> Tuple[int, ...]:
-        """(Z, Y, X), or (Z, Y, X, 3) for red, green, blue."""
-        record = self.record.contents
-        grey = record.depth, record.height, record.width
-        return grey + (3,) if self.is_rgb else grey
+        """(Z, Y, X), or (Z, Y, X, 3) for red, green, blue. A closed volume still tells it."""
+        return self._shape
 
     @property
     def is_rgb(self) -> bool:
-        return bool(self.record.contents.slices[0].contents.bytes_per_pixel == 3)
+        return len(self._shape) == 4
 
     @contextlib.contextmanager
     def _locked(self) -> Iterator[list[NDArray[np.uint8]]]:
@@ -177,7 +187,9 @@ class Volume:
             rotation = self._rotation(angles, order, matrix, mirror=False)
             width, height = ctypes.c_ushort(), ctypes.c_ushort()
             _library.library.GetRotDim(self.record, rotation, *_bounds(None, self.shape[:3]), width, height, 0)
-            return height.value, width.value
+        if not (height.value and width.value):
+            raise OutOfMemory("the library got no memory for the size of a picture")
+        return height.value, width.value
 
     def project(self, angles: ArrayLike = (0, 0, 0), mode: Union[Mode, int, str] = Mode.MAXIMUM,
                 window: Optional[Window] = None, crop: Optional[Crop] = None, extra: float = 0.0, *,
@@ -189,7 +201,9 @@ class Volume:
         mode    a Mode, or its name
         window  (low, high): which voxels count, of RGB volumes by the sum of their channels. Surface and contrast exclude
                 the two ends. None lets everything in, except that these two modes then leave black out.
-        crop    three slices, of z, y and x, 0-based as for an array: np.s_[10:20, :, 5:]. It never changes the size.
+        crop    three slices, of z, y and x, 0-based as for an array: np.s_[10:20, :, 5:]. It never changes the size. Along
+                the view it is not quite the picture of array[crop]: the grey maximum takes one sample more beyond the far
+                end, and of a box one voxel deep every mode takes the sample before it, too.
         extra   the attenuation of layered surfaces (0: the first surface alone), the transparency of blends
         mirror  turns left and right around, for volumes whose axes x, y, z are right-handed in the world, as most scans' are
         nan     marks pixels without a contribution by NaN, instead of NO_VALUE (in the mode min NO_MINIMUM). Surfaces have
@@ -198,6 +212,7 @@ class Volume:
         The array is the library's own memory, not a copy; it is released with the last view of it.
         """
         kind = mode_of(mode)
+        extra = _number(extra, "extra")
         with self._lock:
             low, high = self._window(window, kind)
             bounds = _bounds(crop, self.shape[:3])
@@ -216,12 +231,12 @@ class Volume:
             return 0, (765 if self.is_rgb else 255) + (mode in _STRICT)
         if len(window) != 2:
             raise ValueError(f"window {window!r}: (low, high) is wanted")
-        return float(window[0]), float(window[1])
+        return _number(window[0], "window"), _number(window[1], "window")
 
     def _rotation(self, angles: ArrayLike, order: str, matrix: Optional[ArrayLike], mirror: bool) -> Any:
         turn = _angles.matrix_of(angles, order) if matrix is None else _angles._nine(matrix)
-        if not np.isfinite(turn).all():
-            raise ValueError("angles or matrix have a number that is not finite")
+        if not (np.abs(turn) <= _LARGEST_FLOAT).all():
+            raise ValueError("angles or matrix have a number that is not finite, or not in 32 bits")
         if np.linalg.norm(turn[2]) > _LONGEST_VIEW:
             raise ValueError(f"the third row of the matrix is longer than {_LONGEST_VIEW}: it would take more than as many "
                              "samples of each voxel")
@@ -255,14 +270,15 @@ class Volume:
 
 
 def project(array: ArrayLike, angles: ArrayLike = (0, 0, 0), mode: Union[Mode, int, str] = Mode.MAXIMUM,
-            window: Optional[Window] = None, crop: Optional[Crop] = None, extra: float = 0.0,
-            **options: Any) -> NDArray[np.float32]:
+            window: Optional[Window] = None, crop: Optional[Crop] = None, extra: float = 0.0, *,
+            order: str = "XYZ", matrix: Optional[ArrayLike] = None, mirror: bool = False,
+            nan: bool = False) -> NDArray[np.float32]:
     """Renders an array of uint8, (Z, Y, X) or (Z, Y, X, 3), as Volume.project does, which says what the arguments mean.
 
     It copies the array into a volume of the library; for several pictures of one array make a Volume once.
     """
     with Volume(array) as volume:
-        return volume.project(angles, mode, window, crop, extra, **options)
+        return volume.project(angles, mode, window, crop, extra, order=order, matrix=matrix, mirror=mirror, nan=nan)
 
 
 def to_bytes(array: ArrayLike, low: Optional[float] = None, high: Optional[float] = None) -> NDArray[np.uint8]:
