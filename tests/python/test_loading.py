@@ -82,6 +82,28 @@ def test_false_stops(files):
         zentra3d.load_rgb(*files, SHAPE, progress=lambda percent: percent < 40)
 
 
+def test_false_of_numpy_stops(files):
+    with pytest.raises(zentra3d.Cancelled):
+        zentra3d.load_rgb(*files, SHAPE, progress=lambda percent: np.float64(percent) < 40)
+
+
+@pytest.mark.parametrize("answer", [None, 0, 0.0, "", np.True_])
+def test_nothing_else_that_progress_returns_stops(files, answer):
+    zentra3d.load_rgb(*files, SHAPE, progress=lambda percent: answer).close()
+
+
+def test_names_may_be_bytes(files):
+    with zentra3d.load_grey(os.fsencode(files[2]), SHAPE) as volume:
+        np.testing.assert_array_equal(volume.to_array(), np.fromfile(files[2], np.uint8).reshape(SHAPE))
+
+
+def test_a_descriptor_is_no_name_and_stays_open(files):
+    with open(files[0], "rb") as file:
+        with pytest.raises(TypeError, match="int"):
+            zentra3d.load_grey(file.fileno(), SHAPE)
+        assert file.read(1)
+
+
 def test_what_progress_raises_is_raised(files):
     mine = KeyboardInterrupt("mine")
 

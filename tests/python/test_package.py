@@ -92,6 +92,38 @@ def test_the_parts_for_windows_fit_together(tmp_path):
     assert result.stdout == "23.0 100.0 Zentra3DRendering.dll\n", result.stderr
 
 
+# A code page without the letters of a name, and disks with short names and without.
+SHORT_NAMES = """
+import codecs, ctypes, os, sys, types
+sys.platform = "win32"
+def WinDLL(name):
+    return types.SimpleNamespace(GetShortPathNameW=short_name) if finished else ctypes.CDLL(os.environ["ZENTRA3D_LIBRARY"])
+finished = False
+ctypes.WinDLL, ctypes.WINFUNCTYPE = WinDLL, ctypes.CFUNCTYPE
+codecs.register(lambda name: codecs.lookup("ascii") if name == "mbcs" else None)
+import zentra3d._library
+finished = True
+name = "gr\u00fcn.raw"
+open(name, "wb").close()
+for gives in ("GRN~1.RAW", name, ""):
+    def short_name(long, buffer, size):
+        assert long.value == name
+        buffer.value = gives
+        return len(gives)
+    for given in (name, os.fsencode(name)):
+        try:
+            print(zentra3d._library.file_name(given))
+        except OSError as refused:
+            print(refused.strerror)
+"""
+
+
+def test_a_name_outside_the_code_page_is_short_or_refused(tmp_path):
+    result = run(tmp_path, SHORT_NAMES, **{VARIABLE: os.environ[VARIABLE], "PYTHONPATH": str(PACKAGE.parent)})
+    refusal = "neither the name nor a short name of it is in the system's code page"
+    assert result.stdout.splitlines() == ["b'GRN~1.RAW'"] * 2 + [refusal] * 4, result.stderr
+
+
 def test_one_version():
     project = (PACKAGE.parent / "pyproject.toml").read_text(encoding="utf-8")
     assert f'\nversion = "{zentra3d.__version__}"\n' in project

@@ -4,12 +4,13 @@ from __future__ import annotations
 
 import ctypes
 import enum
+import errno
 import os
 import pathlib
 import struct
 import sys
 from ctypes import POINTER, c_double, c_float, c_int, c_short, c_size_t, c_ubyte, c_uint, c_ushort, c_void_p
-from typing import Any, Iterator
+from typing import Any, Iterator, Union
 
 ENVIRONMENT_VARIABLE = "ZENTRA3D_LIBRARY"
 IS_WINDOWS = sys.platform == "win32"
@@ -33,6 +34,7 @@ class ProgressCode(enum.IntEnum):
     NO_GREY = 200
 
 
+Path = Union["os.PathLike[str]", "os.PathLike[bytes]", str, bytes]
 PROGRESS_GO_ON = 0
 PROGRESS_CANCEL = 200
 
@@ -129,20 +131,30 @@ def release_picture(address: int) -> None:
     _memory.GlobalFree(block)
 
 
-def file_name(path: os.PathLike[str] | str) -> bytes:
+def file_name(path: Path) -> bytes:
     """The path as the library takes it: on Windows in the system's code page, or else its short name in it.
 
     A file that cannot be opened raises OSError here: Windows would show it to the user in a message box.
     """
-    with open(path, "rb"):
+    plain = os.fspath(path)  # a number is no path: it would be a descriptor, and closed here
+    with open(plain, "rb"):
         pass
     if not IS_WINDOWS:
-        return os.fsencode(path)
-    name = os.fspath(path)
+        return os.fsencode(plain)
+    name = os.fsdecode(plain)
     try:
         return name.encode("mbcs")
     except UnicodeEncodeError:
-        longest = 32767
-        short = ctypes.create_unicode_buffer(longest)
-        ctypes.WinDLL("kernel32").GetShortPathNameW(ctypes.c_wchar_p(name), short, longest)
-        return short.value.encode("mbcs")
+        return _short_name(name)
+
+
+def _short_name(name: str) -> bytes:
+    longest = 32767
+    short = ctypes.create_unicode_buffer(longest)
+    length = ctypes.WinDLL("kernel32").GetShortPathNameW(ctypes.c_wchar_p(name), short, longest)
+    try:
+        if 0 < length < longest:
+            return short.value.encode("mbcs")
+    except UnicodeEncodeError:  # a disk without short names gives the long one
+        pass
+    raise OSError(errno.EINVAL, "neither the name nor a short name of it is in the system's code page", name)

@@ -5,7 +5,6 @@ from __future__ import annotations
 import contextlib
 import ctypes
 import math
-import os
 import signal
 import struct
 import threading
@@ -15,13 +14,12 @@ import numpy as np
 from numpy.typing import DTypeLike
 
 from . import _library
-from ._library import ProgressCode
+from ._library import Path, ProgressCode
 from ._volume import LONGEST, Volume, _check_lengths
 from .errors import Cancelled, OutOfMemory
 
-Path = Union["os.PathLike[str]", str]
-# A callable that takes the percentage of the whole, 0 to 100, and may return False to stop; or a progress bar with the
-# method `update` of tqdm's, which takes steps.
+# A callable that takes the percentage of the whole, 0 to 100, and may return False to stop, of Python or of numpy (nothing
+# else stops, neither None nor 0); or a progress bar with the method `update` of tqdm's, which takes steps.
 Progress = Union[Callable[[float], Any], Any]
 
 
@@ -74,7 +72,8 @@ class _Reporter:
         if code == ProgressCode.START:
             return _library.PROGRESS_GO_ON
         try:  # nothing may be raised through the library
-            if self._listen(min(100.0, (100 * self._ended + self._last) / self._phases)) is False:
+            answer = self._listen(min(100.0, (100 * self._ended + self._last) / self._phases))
+            if isinstance(answer, (bool, np.bool_)) and not answer:
                 raise Cancelled("loading was stopped by progress")
         except BaseException as raised:
             self.raised = raised
@@ -122,8 +121,9 @@ def load_rgb(red: Optional[Path], green: Optional[Path], blue: Optional[Path], s
     dtype         of the samples: uint8, or float32 in little-endian order
     max_diagonal  the longest diagonal of the volume in voxels; what has a longer one is shrunk to it
     keep_apart    loads a file again that is named twice. Otherwise one that is named three times makes a grey volume.
-    progress      a callable that gets the percentage of the whole, 0 to 100; returning False stops (Cancelled), and so does
-                  whatever it raises, which is raised again. A tqdm bar will do in its place.
+    progress      a callable that gets the percentage of the whole, 0 to 100; returning False stops (Cancelled; numpy's
+                  False does, None and 0 do not), and so does whatever it raises, which is raised again. A tqdm bar will
+                  do in its place.
 
     Ctrl-C stops, with and without progress, and raises KeyboardInterrupt. (Where a program has a handler of its own for
     it, that one is called while the library loads, and stops by raising.)
