@@ -17,8 +17,9 @@ IS_WINDOWS = sys.platform == "win32"
 FILE_NAME = "Zentra3DRendering.dll" if IS_WINDOWS else "libzentra3drendering.so.1"
 
 # Windows calls 32-bit functions in its own way; elsewhere the two kinds are the same.
-_Library: Any = ctypes.WinDLL if IS_WINDOWS else ctypes.CDLL
-_function_type: Any = ctypes.WINFUNCTYPE if IS_WINDOWS else ctypes.CFUNCTYPE
+_ctypes: Any = ctypes  # type checkers know the half of one system
+_Library: Any = _ctypes.WinDLL if IS_WINDOWS else ctypes.CDLL
+_function_type: Any = _ctypes.WINFUNCTYPE if IS_WINDOWS else ctypes.CFUNCTYPE
 
 
 class LibraryNotFound(ImportError):
@@ -116,7 +117,7 @@ for _name, _result, *_arguments in [
     getattr(library, _name).argtypes = _arguments
 
 # Where there is no Windows to release pictures, the library has what does.
-_memory: Any = ctypes.WinDLL("kernel32") if IS_WINDOWS else library
+_memory: Any = _ctypes.WinDLL("kernel32") if IS_WINDOWS else library
 for _name in ("GlobalHandle", "GlobalFree"):
     getattr(_memory, _name).restype = c_void_p
     getattr(_memory, _name).argtypes = [c_void_p]
@@ -151,7 +152,7 @@ def file_name(path: Path) -> bytes:
 def _short_name(name: str) -> bytes:
     longest = 32767
     short = ctypes.create_unicode_buffer(longest)
-    length = ctypes.WinDLL("kernel32").GetShortPathNameW(ctypes.c_wchar_p(name), short, longest)
+    length = _ctypes.WinDLL("kernel32").GetShortPathNameW(ctypes.c_wchar_p(name), short, longest)
     try:
         if 0 < length < longest:
             return short.value.encode("mbcs")

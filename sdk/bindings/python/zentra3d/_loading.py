@@ -23,9 +23,10 @@ from .errors import Cancelled, OutOfMemory
 Progress = Union[Callable[[float], Any], Any]
 
 
-def _listener(progress: Progress) -> Callable[[float], Any]:
+def _listener(progress: Any) -> Callable[[float], Any]:
     if callable(progress):
-        return progress
+        listen: Callable[[float], Any] = progress
+        return listen
     if not hasattr(progress, "update"):
         raise TypeError(f"progress is a {type(progress).__name__}: a callable is wanted, or a bar with update()")
     total = getattr(progress, "total", None) or 100
@@ -91,7 +92,7 @@ def _keeping_interrupts(report: _Reporter) -> Iterator[bool]:
 
     Without this it would be raised where the library calls back, and be lost there. False where no handler can run.
     """
-    handler = signal.getsignal(signal.SIGINT) if threading.current_thread() is threading.main_thread() else None
+    handler: Any = signal.getsignal(signal.SIGINT) if threading.current_thread() is threading.main_thread() else None
     if not callable(handler):
         yield False
         return

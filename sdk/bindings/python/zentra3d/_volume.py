@@ -77,7 +77,7 @@ def _number(value: Any, name: str) -> float:
         raise type(wrong)(f"{name} {value!r}: a number is wanted") from None
 
 
-def _bounds(crop: Optional[Crop], shape: Tuple[int, int, int]) -> list[int]:
+def _bounds(crop: Optional[Crop], shape: Sequence[int]) -> list[int]:
     """The library's crop box, 1-based and inclusive, x first, of slices in the order of the array."""
     slices = (slice(None),) * 3 if crop is None else tuple(crop)
     if len(slices) != 3 or not all(isinstance(each, slice) for each in slices):
@@ -93,9 +93,10 @@ def _bounds(crop: Optional[Crop], shape: Tuple[int, int, int]) -> list[int]:
 
 def _picture(address: int, height: int, width: int) -> NDArray[np.float32]:
     """The library's own memory as an array, released when nobody has a view of it any more."""
-    pixels = (ctypes.c_float * (height * width * 3)).from_address(address)
+    pixels: Any = (ctypes.c_float * (height * width * 3)).from_address(address)
     weakref.finalize(pixels, _library.release_picture, address).atexit = False
-    return np.frombuffer(pixels, dtype=np.float32).reshape(height, width, 3)
+    picture: NDArray[np.float32] = np.frombuffer(pixels, dtype=np.float32).reshape(height, width, 3)
+    return picture
 
 
 class Volume:
@@ -158,7 +159,7 @@ class Volume:
         if not tables:
             raise OutOfMemory("the library got no memory to lock the volume")
         try:
-            pixels = ctypes.c_ubyte * int(np.prod(shape[1:]))
+            pixels: Any = ctypes.c_ubyte * int(np.prod(shape[1:]))
             yield [np.frombuffer(pixels.from_address(tables[z][0]), dtype=np.uint8).reshape(shape[1:])
                    for z in range(shape[0])]  # the rows of a slice follow one another
         finally:
@@ -245,7 +246,7 @@ class Volume:
         if extents.max() > 65534:
             raise ValueError("the picture would have more than 65535 rows or columns: the matrix stretches the volume")
         turn = turn * [[-1], [1], [1]] if mirror else turn
-        return _library.Rotation(*turn.flat)
+        return _library.Rotation(*turn.ravel().tolist())
 
     def close(self) -> None:
         """Releases the voxels. Pictures stay."""
@@ -293,4 +294,5 @@ def to_bytes(array: ArrayLike, low: Optional[float] = None, high: Optional[float
     if not low < high:
         raise ValueError(f"{low} to {high}: the range is empty")
     scaled = (values - np.float32(low)) * np.float32(255 / (high - low))
-    return np.rint(np.clip(np.nan_to_num(scaled, nan=0, posinf=255, neginf=0), 0, 255)).astype(np.uint8)
+    held: NDArray[np.float32] = np.clip(np.nan_to_num(scaled, nan=0, posinf=255, neginf=0), 0, 255)
+    return np.rint(held).astype(np.uint8)

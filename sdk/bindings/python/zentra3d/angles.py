@@ -66,7 +66,7 @@ def angles_of(matrix: ArrayLike, order: str = "XYZ") -> Angles:
     axes = _cyclic(order)
     values = _nine(matrix)
     x, y, z = ctypes.c_float(), ctypes.c_float(), ctypes.c_float()
-    getattr(_library.library, _EXTRACTIONS[axes])(_library.Matrix(*values.flat), x, y, z)
+    getattr(_library.library, _EXTRACTIONS[axes])(_library.Matrix(*values.ravel().tolist()), x, y, z)
     return x.value, y.value, z.value
 
 
