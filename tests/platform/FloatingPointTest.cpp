@@ -178,4 +178,74 @@ TEST(FloatingPoint, SwitchesNest) {
     EXPECT_EQ(changedByHost, kHosts[5]);
 }
 
+#ifdef __x86_64__
+
+// As FXSAVE64 writes it: the only form that has the addresses of code and data in full.
+struct alignas(16) FullImage {
+    std::uint16_t control, status;
+    std::uint8_t tags, reserved;
+    std::uint16_t operation;
+    std::uint64_t code, data;
+    std::uint32_t mxcsr, mxcsrMask;
+    std::uint8_t registers[128], sse[352];
+};
+static_assert(sizeof(FullImage) == 512);
+constexpr std::size_t kBytesWithoutSse = offsetof(FullImage, sse); // calls may change the SSE registers
+
+struct FullImages {
+    FullImage before, after, inside;
+};
+
+[[gnu::noinline]] FullImages EnterAndRestore(const Environment& host, std::uint8_t tagsInUse) {
+    FullImages images = {};
+    FullImage image = {};
+    asm volatile("fxsave64 %0" : "=m"(image));
+    image.control = host.control;
+    image.status = host.status;
+    image.tags = tagsInUse;
+    image.operation = 0x0123;
+    image.code = 0x00007123456789AB;
+    image.data = 0x00007EDCBA987654;
+    image.mxcsr = host.mxcsr;
+    for (std::size_t index = 0; index < 8; ++index) {
+        const auto number = static_cast<long double>(index + 1) / 3;
+        std::memcpy(image.registers + 16 * index, &number, 10);
+    }
+    asm volatile("fxrstor64 %1\n\tfxsave64 %0"
+                 : "=m"(images.before)
+                 : "m"(image)
+                 : "memory", "xmm0", "xmm1", "xmm2", "xmm3", "xmm4", "xmm5", "xmm6", "xmm7", "xmm8", "xmm9",
+                   "xmm10", "xmm11", "xmm12", "xmm13", "xmm14", "xmm15");
+    FloatingPointState saved;
+    EnterLibraryFloatingPoint(saved);
+    asm volatile("fxsave64 %0" : "=m"(images.inside));
+    Work();
+    RestoreFloatingPoint(saved);
+    asm volatile("fxsave64 %0" : "=m"(images.after));
+    ReadAndReset();
+    return images;
+}
+
+TEST(FloatingPoint, AHostsAddressesOfCodeAndDataAreRestoredInFull) {
+    for (const Environment& host : {kHosts[0], kHosts[1], kHosts[4], kHosts[6], kHosts[7], kPending}) {
+        for (const int tagsInUse : {0x00, 0xC0, 0xFF}) {
+            const FullImages images = EnterAndRestore(host, static_cast<std::uint8_t>(tagsInUse));
+
+            EXPECT_EQ(std::memcmp(&images.before, &images.after, kBytesWithoutSse), 0) << "host: " << host;
+            EXPECT_EQ(images.before.tags, tagsInUse);
+            EXPECT_EQ(images.before.mxcsr, host.mxcsr);
+            EXPECT_EQ(images.inside.control, kLibrary.control);
+            EXPECT_EQ(images.inside.status, kLibrary.status);
+            EXPECT_EQ(images.inside.tags, 0) << "no register in use";
+            EXPECT_EQ(images.inside.mxcsr, kLibrary.mxcsr);
+            // Some processors keep the addresses only while an exception is pending.
+            if (host == kPending) {
+                EXPECT_EQ(images.before.code, 0x00007123456789ABu);
+            }
+        }
+    }
+}
+
+#endif
+
 } // namespace

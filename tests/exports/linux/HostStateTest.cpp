@@ -79,4 +79,46 @@ TEST(HostState, ChangesNoResultAndIsLeftAsItWas) {
     }
 }
 
+// As FXSAVE64 writes it, up to the SSE registers, which are no caller's here.
+struct alignas(16) FullState {
+    unsigned char bytes[512];
+    static constexpr std::size_t kWithoutSse = 160;
+};
+
+// Seven numbers, one of them of a division by zero: its flag is up, the exception masked.
+void OccupyEverything() {
+    asm volatile(
+        "fninit\n\tfldz\n\tfld1\n\tfdiv %%st(1), %%st\n\tfldpi\n\tfldl2e\n\tfldl2t\n\tfldlg2\n\tfldln2"
+        :
+        :
+        : "memory");
+}
+
+TEST(HostState, IsLeftAsItWasWithNumbersInTheRegistersAndAddressesInFull) {
+    const ExportedVolume volume(13, 11, 9, 1);
+    const Library& library = TheLibrary();
+    const AxisOrder order = {{2, 0, 1}};
+    double matrix[9];
+    unsigned short width = 0;
+    unsigned short height = 0;
+    FullState before;
+    FullState after[2];
+    const std::uint32_t raised = 0x1FBF;
+
+    OccupyEverything();
+    asm volatile("ldmxcsr %1\n\tfxsave64 %0" : "=m"(before) : "m"(raised) : "memory");
+    library.CreateRotateMatrix(matrix, &order, 33.3f, -71.7f, 123.4f);
+    asm volatile("fxsave64 %0" : "=m"(after[0]) : : "memory");
+    float* pixels = library.GetRotProjection(volume.Get(), kOblique, RenderModeMaximum, 1, 13, 1, 11, 1, 9,
+                                             220, 20, 0.3f, &width, &height, 0);
+    asm volatile("fxsave64 %0\n\tfninit" : "=m"(after[1]) : : "memory");
+    Enter(kOrdinary);
+
+    for (const FullState& state : after)
+        EXPECT_EQ(std::memcmp(state.bytes, before.bytes, FullState::kWithoutSse), 0);
+    EXPECT_EQ(before.bytes[2] & 0x04, 0x04) << "a division by zero";
+    EXPECT_EQ(before.bytes[4], 0xFE) << "seven registers in use";
+    EXPECT_TRUE(ReleaseProjection(pixels));
+}
+
 } // namespace
