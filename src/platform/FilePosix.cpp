@@ -2,6 +2,8 @@
 
 #include "platform/Refusal.h"
 
+#include <cerrno>
+
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -10,11 +12,20 @@ namespace {
 
 constexpr int kNotOpen = -1;
 
+// A signal that the host handles meanwhile is no failure.
+int Open(const char* name, int flags) {
+    int opened;
+    do {
+        opened = open(name, flags | O_RDONLY | O_CLOEXEC);
+    } while (opened == kNotOpen && errno == EINTR);
+    return opened;
+}
+
 int OpenForReading(const char* name) {
     if (name == nullptr || IsRefused(Resource::FileOpen)) return kNotOpen;
     // Unlike on Windows a directory can be opened here. (Asking for its kind takes a C library of 2021.)
-    const int directory = open(name, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (directory == kNotOpen) return open(name, O_RDONLY | O_CLOEXEC);
+    const int directory = Open(name, O_DIRECTORY);
+    if (directory == kNotOpen) return Open(name, 0);
     close(directory);
     return kNotOpen;
 }
@@ -40,6 +51,7 @@ std::size_t File::Read(void* to, std::size_t bytes) {
     while (got < bytes) {
         const ssize_t now =
             read(static_cast<int>(handle_), static_cast<std::uint8_t*>(to) + got, bytes - got);
+        if (now < 0 && errno == EINTR) continue; // as above
         if (now <= 0) break;
         got += static_cast<std::size_t>(now);
     }
