@@ -10,8 +10,4 @@ void* Z3D_CALL GlobalHandle(const void* address) { return platform::BlockFromAdd
 
 int Z3D_CALL GlobalUnlock(void* block) { return platform::IsBlock(block) ? platform::BlockUnlock(block) : 0; }
 
-void* Z3D_CALL GlobalFree(void* block) {
-    if (!platform::IsBlock(block)) return block;
-    platform::BlockFree(block);
-    return nullptr;
-}
+void* Z3D_CALL GlobalFree(void* block) { return platform::BlockFreeIfThere(block) ? nullptr : block; }

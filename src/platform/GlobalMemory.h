@@ -30,8 +30,12 @@ void BlockFree(BlockHandle block);
 BlockHandle BlockFromAddress(const void* address);
 
 #ifndef _WIN32
-// Whether this is a block's handle. Windows looks before it works on one; here the exports that stand in for it do.
+// Windows looks a handle up before it works on it; here the exports that stand in for it do. Nothing happens to what is
+// no block's handle.
 bool IsBlock(BlockHandle handle);
+
+// Of several threads that release one block, one gets true.
+bool BlockFreeIfThere(BlockHandle handle);
 #endif
 
 } // namespace z3d::platform

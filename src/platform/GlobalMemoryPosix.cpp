@@ -60,6 +60,26 @@ BlockHandle Allocate(void* (*allocatePixels)(std::uint32_t), std::uint32_t bytes
     return block;
 }
 
+// Only while the list is locked.
+Block* Find(BlockHandle handle) {
+    Block* block = firstBlock;
+    while (block != nullptr && block != handle)
+        block = block->next;
+    return block;
+}
+
+// Only while the list is locked.
+void Unlink(Block* block) {
+    *block->link = block->next;
+    if (block->next != nullptr) block->next->link = block->link;
+}
+
+void Release(Block* block) {
+    NoteReleased(Resource::Block);
+    std::free(block->pixels);
+    std::free(block);
+}
+
 } // namespace
 
 BlockHandle BlockAllocate(std::uint32_t bytes) { return Allocate(AllocateZeroes, bytes); }
@@ -85,15 +105,12 @@ std::int32_t BlockUnlock(BlockHandle block) {
 
 void BlockFree(BlockHandle block) {
     if (block == nullptr) return;
-    NoteReleased(Resource::Block);
     auto* record = static_cast<Block*>(block);
     {
         const ListLock lock;
-        *record->link = record->next;
-        if (record->next != nullptr) record->next->link = record->link;
+        Unlink(record);
     }
-    std::free(record->pixels);
-    std::free(record);
+    Release(record);
 }
 
 BlockHandle BlockFromAddress(const void* address) {
@@ -107,10 +124,19 @@ BlockHandle BlockFromAddress(const void* address) {
 
 bool IsBlock(BlockHandle handle) {
     const ListLock lock;
-    const Block* block = firstBlock;
-    while (block != nullptr && block != handle)
-        block = block->next;
-    return block != nullptr;
+    return Find(handle) != nullptr;
+}
+
+bool BlockFreeIfThere(BlockHandle handle) {
+    Block* record;
+    {
+        const ListLock lock;
+        record = Find(handle);
+        if (record == nullptr) return false;
+        Unlink(record);
+    }
+    Release(record);
+    return true;
 }
 
 } // namespace z3d::platform

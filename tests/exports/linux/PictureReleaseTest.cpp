@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
@@ -83,6 +84,32 @@ TEST(PictureRelease, ThreadsReleaseTheirOwnPictures) {
 
     for (const int count : released)
         EXPECT_EQ(count, kRounds);
+}
+
+// A mistake of a host, which Windows answers by looking handles up: here too nothing is released twice.
+TEST(PictureRelease, OfThreadsThatReleaseOnePictureOneDoes) {
+    constexpr int kThreads = 4;
+    constexpr int kRounds = 500;
+    const ExportedVolume volume(4, 3, 2, 1);
+    const PictureRelease& release = ThePictureRelease();
+
+    for (int round = 0; round < kRounds; ++round) {
+        void* const block = release.GlobalHandle(RenderMaximum(volume.Get(), kNotTurned).pixels);
+        std::atomic<int> waiting = kThreads;
+        std::atomic<int> releases = 0;
+        std::vector<std::thread> threads;
+        for (int number = 0; number < kThreads; ++number) {
+            threads.emplace_back([&] {
+                --waiting;
+                while (waiting > 0)
+                    std::this_thread::yield();
+                releases += release.GlobalFree(block) == nullptr;
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        ASSERT_EQ(releases, 1);
+    }
 }
 
 } // namespace
