@@ -17,4 +17,4 @@ set(ZENTRA_UNWIND_TABLES ON)
 # Functions with unwind data cannot realign the stack, which is aligned to 16 bytes here: GCC nevertheless stores wider
 # registers with instructions that want more, and crashes. The assembler takes those that do not care instead; they
 # are as fast.
-set(CMAKE_CXX_FLAGS_INIT -Wa,-muse-unaligned-vector-move)
+set(ZENTRA_UNALIGNED_VECTOR_MOVES ON)

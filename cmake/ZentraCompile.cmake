@@ -14,6 +14,11 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ${UNIX})
 # (no fused multiply-add), no reassociation. Never add -ffast-math or -mfma without -ffp-contract=off.
 add_compile_options(-msse2 -mfpmath=sse -ffp-contract=off)
 
+# Whatever CMAKE_CXX_FLAGS says: without it, kernels with wide registers crash (see cmake/Win64Toolchain.cmake).
+if(ZENTRA_UNALIGNED_VECTOR_MOVES)
+  add_compile_options($<$<COMPILE_LANGUAGE:C,CXX>:-Wa,-muse-unaligned-vector-move>)
+endif()
+
 # Two builds of one commit are byte-identical, wherever the sources and the build folder are.
 add_compile_options(-ffile-prefix-map=${PROJECT_SOURCE_DIR}/= -ffile-prefix-map=${PROJECT_BINARY_DIR}=build)
 

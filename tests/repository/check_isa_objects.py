@@ -3,9 +3,10 @@
 
 An inline function that an object for AVX2 defines can be the one that the linker keeps for everybody. So objects
 of an instruction set may define nothing that is visible outside of them but what lies in a namespace of that
-set, and all other objects may not contain a newer instruction.
+set, and all other objects may not contain a newer instruction. Where the stack is not aligned for wide registers, none of
+them may be moved by an instruction that wants them aligned.
 
-Usage: check_isa_objects.py NM OBJDUMP --baseline OBJECT ... --avx2 OBJECT ... --avx512 OBJECT ...
+Usage: check_isa_objects.py NM OBJDUMP [--no-aligned-moves] --baseline OBJECT ... --avx2 OBJECT ... --avx512 OBJECT ...
 Prints one line per complaint and fails when there is any.
 """
 
@@ -24,6 +25,9 @@ SEGMENT_AND_SIZE_PREFIXES = {"26", "2e", "36", "3e", "64", "65", "67"}
 # The first byte of the two VEX encodings and of EVEX. In 32-bit code they are also LES, LDS and BOUND, which no
 # compiler emits.
 NEWER_ENCODINGS = {"c4", "c5", "62"}
+
+# Between registers such a move is harmless, but the assembler option that takes the others away takes these too.
+ALIGNED_WIDE_MOVE = re.compile(r"^vmov(?:ap[sd]|dqa(?:32|64)?)\s.*%[yz]mm")
 
 
 def run(*command):
@@ -64,7 +68,13 @@ def instruction_complaints(path, disassembly):
         yield f"{path}: {len(found)} newer instructions in a baseline object, the first is {found[0]}"
 
 
-def complaints(nm, objdump, baseline, isa_objects):
+def alignment_complaints(path, disassembly):
+    found = [instruction for instruction in newer_instructions(disassembly) if ALIGNED_WIDE_MOVE.match(instruction)]
+    if found:
+        yield f"{path}: {len(found)} moves of wide registers want an aligned stack, the first is {found[0]}"
+
+
+def complaints(nm, objdump, baseline, isa_objects, may_align=True):
     """isa_objects maps the name of an instruction set to its objects."""
     if not baseline:
         yield "no baseline objects"
@@ -73,6 +83,8 @@ def complaints(nm, objdump, baseline, isa_objects):
     for isa, paths in isa_objects.items():
         for path in paths:
             yield from symbol_complaints(path, run(nm, "-P", "--defined-only", "--extern-only", path), isa)
+            if not may_align:
+                yield from alignment_complaints(path, run(objdump, "-d", path))
         # Else these are other objects, or the disassembly was not understood.
         if not any(any(newer_instructions(run(objdump, "-d", path))) for path in paths):
             yield f"no newer instruction in any object of {isa}"
@@ -82,11 +94,13 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("nm")
     parser.add_argument("objdump")
+    parser.add_argument("--no-aligned-moves", action="store_true")
     for objects in ("baseline", *NAMESPACES):
         parser.add_argument(f"--{objects}", nargs="*", default=[])
     arguments = parser.parse_args()
     isa_objects = {isa: getattr(arguments, isa) for isa in NAMESPACES}
-    found = list(complaints(arguments.nm, arguments.objdump, arguments.baseline, isa_objects))
+    found = list(complaints(arguments.nm, arguments.objdump, arguments.baseline, isa_objects,
+                            not arguments.no_aligned_moves))
     count = len(arguments.baseline) + sum(map(len, isa_objects.values()))
     print("\n".join(found) or f"{count} objects, every newer instruction is in a namespace of its own")
     return 1 if found else 0

@@ -10,7 +10,8 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from check_isa_objects import NAMESPACES, complaints, is_of_namespaces, newer_instructions
+from check_isa_objects import (NAMESPACES, alignment_complaints, complaints, is_of_namespaces, newer_instructions,
+                               run)
 
 COMPILER, NM, OBJDUMP = "", "", ""
 
@@ -117,6 +118,31 @@ class CheckIsaObjects(unittest.TestCase):
 
     def test_no_baseline_at_all(self):
         self.assertEqual(list(complaints(NM, OBJDUMP, [], {})), ["no baseline objects"])
+
+    def test_aligned_moves_of_wide_registers(self):
+        aligned = ["   0:\tc5 fc 29 04 24       \tvmovaps %ymm0,(%rsp)",
+                   "   5:\tc5 fd 6f 44 24 20    \tvmovdqa 0x20(%rsp),%ymm0",
+                   "   b:\t62 f1 fd 48 7f 04 24 \tvmovdqa64 %zmm0,(%rsp)"]
+        others = ["  12:\tc5 fc 11 04 24       \tvmovups %ymm0,(%rsp)", "  17:\tc5 f8 29 04 24       \tvmovaps %xmm0,(%rsp)",
+                  "  1c:\t0f 29 04 24          \tmovaps %xmm0,(%rsp)"]
+        for line in aligned:
+            found = list(alignment_complaints("object", "\n".join([*others, line])))
+            self.assertEqual(len(found), 1, line)
+            self.assertIn("1 moves of wide registers", found[0])
+        self.assertEqual(list(alignment_complaints("object", "\n".join(others))), [])
+
+    def test_aligned_moves_are_looked_for_where_they_are_unwanted(self):
+        # Whether this compiler makes them is its own affair; the option takes them away.
+        wide = ("namespace z3d::render::avx2 { typedef float V __attribute__((vector_size(32)));"
+                "void Copy(V* to, const V* from) { *to = *from + *from; } }")
+        baseline = [self.compile("baseline", BASELINE)]
+        plain = {"avx2": [self.compile("plain", wide, "-mavx2")]}
+        unaligned = {"avx2": [self.compile("unaligned", wide, "-mavx2", "-Wa,-muse-unaligned-vector-move")]}
+        makes_them = list(alignment_complaints("plain", run(OBJDUMP, "-d", plain["avx2"][0])))
+
+        self.assertEqual(list(complaints(NM, OBJDUMP, baseline, plain)), [])
+        self.assertEqual(len(list(complaints(NM, OBJDUMP, baseline, plain, may_align=False))), len(makes_them))
+        self.assertEqual(list(complaints(NM, OBJDUMP, baseline, unaligned, may_align=False)), [])
 
     def test_names(self):
         avx2 = NAMESPACES["avx2"]
