@@ -79,16 +79,24 @@ def check_headers(pe, bits):
         yield f"the header holds a time of build ({pe.FILE_HEADER.TimeDateStamp:#x}): two builds would differ"
 
 
-def check_unwinding(pe, bits):
+def own_functions(nm, symbols, image_base):
+    """What is compiled of our sources, as (name, address from the image's base)."""
+    lines = subprocess.run([nm, "--format=posix", symbols], check=True, capture_output=True, encoding="utf-8").stdout
+    names = re.findall(r"^(\S*3z3d\S*) [tT] ([0-9a-f]+)", lines, re.MULTILINE)
+    return [(name, int(address, 16) - image_base) for name, address in names]
+
+
+def check_unwinding(pe, bits, functions):
     """On x64 a function that moves the stack needs unwind data, or exceptions below it end the process."""
     if bits != 64:
         return
     directory = pe.OPTIONAL_HEADER.DATA_DIRECTORY[DIRECTORY_ENTRY["IMAGE_DIRECTORY_ENTRY_EXCEPTION"]]
     table = pe.get_data(directory.VirtualAddress, directory.Size) if directory.Size else b""
     covered = [(begin, end) for begin, end, _ in struct.iter_unpack("<III", table)]
-    for symbol in pe.DIRECTORY_ENTRY_EXPORT.symbols if hasattr(pe, "DIRECTORY_ENTRY_EXPORT") else []:
-        if not any(begin <= symbol.address < end for begin, end in covered):
-            yield f"{symbol.name.decode('ascii')} has no unwind data"
+    exports = pe.DIRECTORY_ENTRY_EXPORT.symbols if hasattr(pe, "DIRECTORY_ENTRY_EXPORT") else []
+    for name, address in [*((symbol.name.decode("ascii"), symbol.address) for symbol in exports), *functions]:
+        if not any(begin <= address < end for begin, end in covered):
+            yield f"{name} has no unwind data"
 
 
 def pointer_at(pe, address):
@@ -169,19 +177,22 @@ def read_dll(data):
     return pe
 
 
-def complaints(data, definition, version, bits, max_bytes):
+def complaints(data, definition, version, bits, max_bytes, functions=()):
     data = bytes(data)
     pe = read_dll(data)
-    return [*check_exports(pe, definition), *check_imports(pe), *check_headers(pe, bits), *check_tls(pe), *check_unwinding(pe, bits),
-            *check_version(pe, version), *check_runtime(data), *check_size(data, max_bytes)]
+    return [*check_exports(pe, definition), *check_imports(pe), *check_headers(pe, bits), *check_tls(pe),
+            *check_unwinding(pe, bits, functions), *check_version(pe, version), *check_runtime(data), *check_size(data, max_bytes)]
 
 
 def main():
     dll, definition, version, bits, max_bytes, symbols, nm = sys.argv[1:]
     with open(dll, "rb") as file:
         data = file.read()
+    functions = own_functions(nm, symbols, read_dll(data).OPTIONAL_HEADER.ImageBase)
     with open(definition, encoding="ascii") as file:
-        found = complaints(data, file.read(), version, int(bits), int(max_bytes))
+        found = complaints(data, file.read(), version, int(bits), int(max_bytes), functions)
+    if not functions:
+        found.append(f"{symbols} names no function of ours")
     for complaint in found:
         print(f"{dll}: {complaint}")
     if len(data) > int(max_bytes):

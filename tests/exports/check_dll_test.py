@@ -7,7 +7,7 @@ Usage: check_dll_test.py DLL DEFINITION VERSION BITS SYMBOLS NM
 import sys
 import unittest
 
-from check_dll import complaints, export_names, largest_symbols, read_dll
+from check_dll import complaints, export_names, largest_symbols, own_functions, read_dll
 from pefile import DIRECTORY_ENTRY
 
 DLL, DEFINITION, VERSION, BITS, SYMBOLS, NM = "", "", "", 0, "", ""
@@ -18,8 +18,8 @@ class CheckDll(unittest.TestCase):
         self.pe = read_dll(DLL)
         self.data = DLL
 
-    def complaints(self, definition=None, version=None, max_bytes=1 << 30):
-        return complaints(self.data, definition or DEFINITION, version or VERSION, BITS, max_bytes)
+    def complaints(self, definition=None, version=None, max_bytes=1 << 30, functions=()):
+        return complaints(self.data, definition or DEFINITION, version or VERSION, BITS, max_bytes, functions)
 
     def expect_one(self, text, **arguments):
         found = self.complaints(**arguments)
@@ -108,6 +108,14 @@ class CheckDll(unittest.TestCase):
             found = self.complaints()
             self.assertEqual(len(found), len(export_names(self.pe)))
             self.assertIn("has no unwind data", found[0])
+
+    def test_a_function_inside_without_unwind_data(self):
+        functions = own_functions(NM, SYMBOLS, self.pe.OPTIONAL_HEADER.ImageBase)
+        self.assertGreater(len(functions), 2 * len(export_names(self.pe)))
+        self.assertEqual(self.complaints(functions=functions), [])
+        if BITS == 64:
+            header = self.pe.sections[0].VirtualAddress - 1  # no code at all
+            self.expect_one("Lost has no unwind data", functions=[*functions, ("Lost", header)])
 
     def test_no_exports_at_all(self):
         self.clear_directory("EXPORT")
