@@ -63,7 +63,19 @@ configure_package_config_file(${sdk}/lib/linux/Zentra3DRenderingConfig.cmake.in
   ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfig.cmake INSTALL_DESTINATION ${package})
 write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRenderingConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
-file(RELATIVE_PATH prefix_of_pc /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+# The file for pkg-config finds the prefix from where it lies itself, so that what is installed can be moved; but a folder
+# of libraries that is not below the prefix says nothing about it.
+set(prefix_of_pc ${CMAKE_INSTALL_PREFIX})
+if(NOT IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  file(RELATIVE_PATH prefix_of_pc /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+  string(PREPEND prefix_of_pc "\${pcfiledir}/")
+endif()
+foreach(folder INCLUDEDIR LIBDIR)
+  set(pc_${folder} "\${prefix}/${CMAKE_INSTALL_${folder}}")
+  if(IS_ABSOLUTE "${CMAKE_INSTALL_${folder}}")
+    set(pc_${folder} ${CMAKE_INSTALL_${folder}})
+  endif()
+endforeach()
 configure_file(${sdk}/lib/linux/Zentra3DRendering.pc.in Zentra3DRendering.pc @ONLY)
 
 install(TARGETS Zentra3DRendering EXPORT Zentra3DRenderingTargets
