@@ -171,7 +171,7 @@ def test_a_volume_is_not_copied_with_its_pointer(grey, duplicate):
 
 def test_a_size_that_cannot_be_told_raises(grey, monkeypatch):
     with Volume(grey) as volume:
-        monkeypatch.setattr(zentra3d._library.library, "GetRotDim", lambda *_: None)  # which leaves 0 and 0
+        monkeypatch.setattr(zentra3d._library.functions, "GetRotDim", lambda *_: None)  # which leaves 0 and 0
         with pytest.raises(zentra3d.OutOfMemory):
             volume.size()
 

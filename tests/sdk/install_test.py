@@ -40,7 +40,7 @@ class Install(unittest.TestCase):
         assert done.returncode == 0, done.stderr
         cls.prefix = folder / "a moved prefix"
         first.rename(cls.prefix)
-        cls.library = cls.prefix / LIBRARY_FOLDER
+        cls.libraries = cls.prefix / LIBRARY_FOLDER
         cls.data = folder / "data"
         subprocess.run([sys.executable, "-B", ROOT / "sdk/samples/data/make_data.py", cls.data], check=True)
 
@@ -58,7 +58,7 @@ class Install(unittest.TestCase):
         found = sorted(path.relative_to(self.prefix).as_posix() for path in self.prefix.rglob("*") if not path.is_dir())
         cmake = [f"{LIBRARY_FOLDER}/cmake/Zentra3DRendering/Zentra3DRendering{name}.cmake"
                  for name in ("Config", "ConfigVersion", "Targets-release", "Targets")]
-        links = [path for path in self.library.iterdir() if path.is_symlink()]
+        links = [path for path in self.libraries.iterdir() if path.is_symlink()]
         self.assertEqual(found[0], "include/Zentra3DRendering.h")
         self.assertEqual(found[1:5], cmake)
         self.assertEqual(found[-1], f"{LIBRARY_FOLDER}/pkgconfig/Zentra3DRendering.pc")
@@ -81,13 +81,13 @@ class Install(unittest.TestCase):
         # The shell takes the quoting apart that pkg-config puts around the space.
         done = run("sh", "-c", 'eval "set -- $(pkg-config --cflags --libs Zentra3DRendering)"; '
                    f'"{COMPILER}" -std=c89 -Wall -Werror "{SAMPLE}" "$@" -o "{program}"',
-                   env={**os.environ, "PKG_CONFIG_LIBDIR": str(self.library / "pkgconfig")})
+                   env={**os.environ, "PKG_CONFIG_LIBDIR": str(self.libraries / "pkgconfig")})
         self.assertEqual(done.returncode, 0, done.stderr)
-        self.prints_what_every_sample_prints(program, LD_LIBRARY_PATH=str(self.library))
+        self.prints_what_every_sample_prints(program, LD_LIBRARY_PATH=str(self.libraries))
 
     def test_the_library_is_found_by_its_soname(self):
         self.prints_what_every_sample_prints(
-            "/usr/bin/python3", "-B", ROOT / "sdk/bindings/python/sample.py", LD_LIBRARY_PATH=str(self.library),
+            "/usr/bin/python3", "-B", ROOT / "sdk/bindings/python/sample.py", LD_LIBRARY_PATH=str(self.libraries),
             PYTHONPATH=str(ROOT / "sdk/bindings/python"))
 
 

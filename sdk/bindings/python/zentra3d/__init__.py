@@ -14,7 +14,7 @@ The library is looked for in the environment variable ZENTRA3D_LIBRARY, beside t
 where the system looks. Threads: any; calls on one volume wait for each other, others run side by side.
 """
 
-from ._library import LibraryNotFound, library
+from ._library import LibraryNotFound, functions
 from ._loading import load_grey, load_rgb
 from ._volume import NO_MINIMUM, NO_VALUE, Mode, Volume, project, to_bytes
 from .angles import angles_of, change_order, matrix_of
@@ -22,4 +22,4 @@ from .errors import Cancelled, OutOfMemory
 
 __version__ = "1.0.0"
 __all__ = ["Cancelled", "LibraryNotFound", "Mode", "NO_MINIMUM", "NO_VALUE", "OutOfMemory", "Volume", "angles_of",
-           "change_order", "library", "load_grey", "load_rgb", "matrix_of", "project", "to_bytes"]
+           "change_order", "functions", "load_grey", "load_rgb", "matrix_of", "project", "to_bytes"]

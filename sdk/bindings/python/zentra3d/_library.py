@@ -86,7 +86,7 @@ def _load() -> Any:
         f"environment variable {ENVIRONMENT_VARIABLE}. Tried:\n  " + "\n  ".join(failures))
 
 
-library = _load()  # all functions, as declared here
+functions = _load()  # all functions, as declared here
 for _name, _result, *_arguments in [
         ("AdjustGamma", c_int, POINTER(c_ubyte), c_float),
         ("ChangeOrder", None, _short_p, _short_p, _float_p, _float_p, _float_p),
@@ -113,11 +113,11 @@ for _name, _result, *_arguments in [
         ("GlobalUnlock3D", c_int, _volume),
         ("SetRenderMsgTitle", c_void_p, ctypes.c_char_p),
         ("SubvolumeConvert", c_short, c_int, c_int, c_int, c_short)]:
-    getattr(library, _name).restype = _result
-    getattr(library, _name).argtypes = _arguments
+    getattr(functions, _name).restype = _result
+    getattr(functions, _name).argtypes = _arguments
 
 # Where there is no Windows to release pictures, the library has what does.
-_memory: Any = _ctypes.WinDLL("kernel32") if IS_WINDOWS else library
+_memory: Any = _ctypes.WinDLL("kernel32") if IS_WINDOWS else functions
 for _name in ("GlobalHandle", "GlobalFree"):
     getattr(_memory, _name).restype = c_void_p
     getattr(_memory, _name).argtypes = [c_void_p]

@@ -142,7 +142,7 @@ def load_rgb(red: Optional[Path], green: Optional[Path], blue: Optional[Path], s
     with _keeping_interrupts(report) as can_be_interrupted:
         is_heard = can_be_interrupted or progress is not None
         callback = _library.ProgressCallback(report) if is_heard else _library.ProgressCallback()
-        record = _library.library.GetRGBImage(*names, width, height, depth, 0, 0, 0, is_8bit, diagonal, high, low, None, None,
+        record = _library.functions.GetRGBImage(*names, width, height, depth, 0, 0, 0, is_8bit, diagonal, high, low, None, None,
                                               0, callback, keep_apart)
         volume = Volume._adopt(record, (low.value, high.value)) if record else None
     if report.raised is not None:

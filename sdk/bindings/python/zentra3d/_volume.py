@@ -114,7 +114,7 @@ class Volume:
         voxels = _checked(array)
         depth, height, width = voxels.shape[:3]
         self._shape: Tuple[int, ...] = voxels.shape
-        self._record = _library.library.GlobalAlloc3D(width, height, depth, 3 if voxels.ndim == 4 else 1)
+        self._record = _library.functions.GlobalAlloc3D(width, height, depth, 3 if voxels.ndim == 4 else 1)
         if not self._record:
             raise OutOfMemory("the library got no memory for a volume of " + " x ".join(map(str, voxels.shape)))
         try:
@@ -137,7 +137,7 @@ class Volume:
 
     @property
     def record(self) -> Any:
-        """The library's pointer, for the functions of zentra3d.library."""
+        """The library's pointer, for the functions of zentra3d.functions."""
         if self._record is None:
             raise ValueError("the volume is closed")
         return self._record
@@ -155,7 +155,7 @@ class Volume:
     def _locked(self) -> Iterator[list[NDArray[np.uint8]]]:
         """The slices as arrays, while the volume is locked."""
         shape = self.shape
-        tables = _library.library.GlobalLock3D(self.record)
+        tables = _library.functions.GlobalLock3D(self.record)
         if not tables:
             raise OutOfMemory("the library got no memory to lock the volume")
         try:
@@ -163,7 +163,7 @@ class Volume:
             yield [np.frombuffer(pixels.from_address(tables[z][0]), dtype=np.uint8).reshape(shape[1:])
                    for z in range(shape[0])]  # the rows of a slice follow one another
         finally:
-            _library.library.GlobalUnlock3D(self.record)
+            _library.functions.GlobalUnlock3D(self.record)
 
     def fill(self, array: ArrayLike) -> None:
         """Replaces all voxels by those of an array of the same shape: for the next volume of a series."""
@@ -187,7 +187,7 @@ class Volume:
         with self._lock:
             rotation = self._rotation(angles, order, matrix, mirror=False)
             width, height = ctypes.c_ushort(), ctypes.c_ushort()
-            _library.library.GetRotDim(self.record, rotation, *_bounds(None, self.shape[:3]), width, height, 0)
+            _library.functions.GetRotDim(self.record, rotation, *_bounds(None, self.shape[:3]), width, height, 0)
         if not (height.value and width.value):
             raise OutOfMemory("the library got no memory for the size of a picture")
         return height.value, width.value
@@ -219,7 +219,7 @@ class Volume:
             bounds = _bounds(crop, self.shape[:3])
             rotation = self._rotation(angles, order, matrix, mirror)
             width, height = ctypes.c_ushort(), ctypes.c_ushort()
-            address = _library.library.GetRotProjection(self.record, rotation, kind, *bounds, high, low, extra, width, height, 0)
+            address = _library.functions.GetRotProjection(self.record, rotation, kind, *bounds, high, low, extra, width, height, 0)
         if not address:
             raise OutOfMemory(f"the library got no memory for a picture of {height.value} x {width.value} pixels")
         pixels = _picture(address, height.value, width.value)
@@ -253,7 +253,7 @@ class Volume:
         with self._lock:
             record, self._record = self._record, None
             if record:
-                _library.library.Free3DData(record)
+                _library.functions.Free3DData(record)
 
     def __enter__(self) -> "Volume":
         return self

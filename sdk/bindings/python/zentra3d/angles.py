@@ -54,7 +54,7 @@ def _nine(matrix: ArrayLike) -> NDArray[np.float64]:
 def matrix_of(angles: ArrayLike, order: str = "XYZ") -> NDArray[np.float64]:
     """The rotation matrix of three angles, 3 x 3."""
     matrix = _library.Matrix()
-    _library.library.CreateRotateMatrix(matrix, _axis_order(order), *_three(angles))
+    _library.functions.CreateRotateMatrix(matrix, _axis_order(order), *_three(angles))
     return np.array(matrix, dtype=np.float64).reshape(3, 3)
 
 
@@ -66,7 +66,7 @@ def angles_of(matrix: ArrayLike, order: str = "XYZ") -> Angles:
     axes = _cyclic(order)
     values = _nine(matrix)
     x, y, z = ctypes.c_float(), ctypes.c_float(), ctypes.c_float()
-    getattr(_library.library, _EXTRACTIONS[axes])(_library.Matrix(*values.ravel().tolist()), x, y, z)
+    getattr(_library.functions, _EXTRACTIONS[axes])(_library.Matrix(*values.ravel().tolist()), x, y, z)
     return x.value, y.value, z.value
 
 
@@ -79,5 +79,5 @@ def change_order(angles: ArrayLike, from_order: str, to_order: str) -> Angles:
     if given != wanted and given[2] == wanted[2]:
         raise ValueError(f"from {given} to {wanted}: orders that end in the same axis cannot be converted")
     x, y, z = (ctypes.c_float(angle) for angle in _three(angles))
-    _library.library.ChangeOrder(_axis_order(given), _axis_order(wanted), x, y, z)
+    _library.functions.ChangeOrder(_axis_order(given), _axis_order(wanted), x, y, z)
     return x.value, y.value, z.value
