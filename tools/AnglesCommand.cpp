@@ -15,7 +15,7 @@ namespace z3d::tools {
 
 namespace {
 
-constexpr char kHelp[] = R"(
+constexpr char kAnglesHelp[] = R"(
   The matrix of an order such as zxy is R(z) * R(x) * R(y) and acts on columns; angles are always given and
   printed about x, y and z, in degrees, whatever the order. A positive angle about x turns y towards z, one
   about z turns x towards y, and one about y turns z towards -x. Angles can be found for the orders xyz, zxy
@@ -30,7 +30,7 @@ Examples
 
 constexpr AxisOrder kXyz = {{0, 1, 2}};
 
-struct Options {
+struct AnglesOptions {
     std::optional<Rotation> matrix;
     std::optional<AxisOrder> order;
     std::optional<AxisOrder> from;
@@ -86,7 +86,7 @@ void PrintAngles(const char* name, const Rotation& matrix, const AxisOrder& orde
     PrintOut(Format("%s%.9g,%.9g,%.9g\n", name, double{x}, double{y}, double{z}));
 }
 
-void RunAngles(const Options& options) {
+void RunAngles(const AnglesOptions& options) {
     if (options.matrix.has_value() == options.angles.has_value())
         throw BadArgument("either --matrix or ANGLES is wanted");
     if (options.matrix && (options.from || options.to))
@@ -112,7 +112,7 @@ void AddAnglesCommand(CLI::App& program) {
     CLI::App& command =
         *program.add_subcommand("angles", "find the angles of a rotation matrix, or of angles "
                                           "in another order");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<AnglesOptions>();
     AddParsed(command, "--matrix", options->matrix, ParseMatrix, "M00,M01,...,M22",
               "nine elements of a rotation, row by row");
     AddParsed(command, "--order", options->order, ParseFoundOrder, "xyz|zxy|yzx",
@@ -120,7 +120,7 @@ void AddAnglesCommand(CLI::App& program) {
     AddParsed(command, "ANGLES", options->angles, ParseAngles, "", "degrees about x, y and z, e.g. 30,40,50");
     AddParsed(command, "--from", options->from, ParseOrder, "xyz", "order of the given angles (default xyz)");
     AddParsed(command, "--to", options->to, ParseFoundOrder, "xyz|zxy|yzx", "order of the printed angles");
-    command.footer(kHelp);
+    command.footer(kAnglesHelp);
     command.callback([options] { RunAngles(*options); });
 }
 

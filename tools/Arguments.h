@@ -13,11 +13,13 @@ namespace z3d::tools {
 
 struct Interval {
     float low, high;
+    bool operator==(const Interval&) const = default;
 };
 
 // In voxels, counted from 1, both ends inclusive.
 struct CropBox {
     short x0, x1, y0, y1, z0, z1;
+    bool operator==(const CropBox&) const = default;
 };
 
 // Finite or infinite, never NaN.

@@ -18,7 +18,7 @@ namespace {
 
 constexpr int kLongestDiagonal = 32767;
 
-constexpr char kHelp[] = R"(
+constexpr char kColourHelp[] = R"(
 Channels
   A raw file holds slices of rows of samples, without a header: bytes, or 32-bit little-endian floats. Up to
   three of the same size are given; - stands for a channel without samples. zentra convert makes raw files of
@@ -37,7 +37,7 @@ Examples
   zentra project head.nhdr --mode blend --rotate -90,0,30 -o head.png
 )";
 
-struct Options {
+struct ColourOptions {
     std::array<std::string, 3> channels; // red, green, blue
     VolumeSize size = {};
     SampleType type = SampleType::Uint8;
@@ -61,7 +61,7 @@ void RefuseHeader(const std::filesystem::path& path) {
                       + " has a header: zentra convert makes a raw file of it");
 }
 
-ChannelRequest RequestOf(const Options& options) {
+ChannelRequest ChannelRequestOf(const ColourOptions& options) {
     ChannelRequest request = {
         {}, options.size, options.type, static_cast<short>(options.maxDiagonal), options.separate};
     bool any = false;
@@ -86,9 +86,9 @@ void Describe(const ChannelImage& image, const std::filesystem::path& path) {
                       double{image.display.high}));
 }
 
-void RunColour(const Options& options) {
+void RunColour(const ColourOptions& options) {
     const std::filesystem::path path = PathOf(options.output);
-    const ChannelRequest request = RequestOf(options);
+    const ChannelRequest request = ChannelRequestOf(options);
     CheckDistinct(VolumeFilesOf(path), {request.files.begin(), request.files.end()});
     const OpenChannels channels(request);
     if (!options.quiet) PrintError(channels.Remarks());
@@ -101,7 +101,7 @@ void RunColour(const Options& options) {
 
 void AddColourCommand(CLI::App& program) {
     CLI::App& command = *program.add_subcommand("colour", "make one volume of up to three raw channel files");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ColourOptions>();
     command.add_option("RED", options->channels[0], "raw file of the red channel; - or \"\" for none")
         ->required()
         ->type_name("");
@@ -124,7 +124,7 @@ void AddColourCommand(CLI::App& program) {
         ->required()
         ->type_name("FILE");
     command.add_flag("-q,--quiet", options->quiet, "say nothing on success");
-    command.footer(kHelp);
+    command.footer(kColourHelp);
     command.callback([options] { RunColour(*options); });
 }
 

@@ -13,20 +13,20 @@ namespace z3d::tools {
 
 namespace {
 
-constexpr char kExamples[] = R"(
+constexpr char kConvertExamples[] = R"(
 Examples
   zentra convert t1.nii.gz -o t1.nhdr
   zentra convert ct.nrrd --input-range -200:1000 --max-diagonal 300 -o ct.nhdr
   zentra convert slices --spacing 0.5,0.5,2 -o slices.nhdr
 )";
 
-struct Options {
+struct ConvertOptions {
     VolumeInputOptions input;
     std::string output;
     bool quiet = false;
 };
 
-void RunConvert(const Options& options) {
+void RunConvert(const ConvertOptions& options) {
     const std::filesystem::path path = PathOf(options.output);
     const std::vector<std::filesystem::path> written = VolumeFilesOf(path);
     const VolumeInput input(options.input);
@@ -47,7 +47,7 @@ void RunConvert(const Options& options) {
 void AddConvertCommand(CLI::App& program) {
     CLI::App& command =
         *program.add_subcommand("convert", "make voxels of bytes of any volume that can be read");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ConvertOptions>();
     AddVolumeInput(command, options->input);
     command
         .add_option("-o,--output", options->output,
@@ -55,7 +55,7 @@ void AddConvertCommand(CLI::App& program) {
         ->required()
         ->type_name("FILE");
     command.add_flag("-q,--quiet", options->quiet, "say nothing on success");
-    command.footer(std::string(VolumeInputHelp()) + kExamples);
+    command.footer(std::string(VolumeInputHelp()) + kConvertExamples);
     command.callback([options] { RunConvert(*options); });
 }
 

@@ -13,14 +13,14 @@ namespace z3d::tools {
 
 namespace {
 
-struct Options {
+struct PhantomOptions {
     VolumeSize size = {};
     VoxelType type = VoxelType::Grey8;
     std::string output;
     bool quiet = false;
 };
 
-void RunPhantom(const Options& options) {
+void RunPhantom(const PhantomOptions& options) {
     const std::filesystem::path path = PathOf(options.output);
     VolumeFilesOf(path);
     const VolumeOwner volume = MakePhantom(options.size, options.type);
@@ -36,7 +36,7 @@ void RunPhantom(const Options& options) {
 
 void AddPhantomCommand(CLI::App& program) {
     CLI::App& command = *program.add_subcommand("phantom", "write a made-up head to try things with");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<PhantomOptions>();
     AddParsed(command, "--size", options->size, ParseSize, "WxHxD", "voxels per axis, e.g. 181x217x181")
         ->required();
     AddParsed(command, "--type", options->type, ParseVoxelType, "uint8|rgb8",

@@ -22,7 +22,7 @@ constexpr int kMostFrames = 100000;
 constexpr int kMostJobs = 64;
 constexpr int kPicturesPerSecond = 25;
 
-struct Options {
+struct ProjectOptions {
     VolumeInputOptions input;
     const Mode* mode = nullptr;
     std::array<float, 3> angles = {};
@@ -60,7 +60,7 @@ CropBox CropWithin(const std::optional<CropBox>& wanted, const VolumeSize& size)
     return *wanted;
 }
 
-float ExtraOf(const Options& options) {
+float ExtraOf(const ProjectOptions& options) {
     const Mode& mode = *options.mode;
     if (options.transparency && mode.extra != Extra::Transparency)
         throw BadArgument("--transparency belongs to --mode blend");
@@ -79,13 +79,13 @@ Interval WindowInBytes(const Interval& window, const files::ValueRange& input) {
             static_cast<float>((window.high - input.low) * factor)};
 }
 
-Interval WindowOf(const Options& options, VoxelType type, const files::ValueRange& input) {
+Interval WindowOf(const ProjectOptions& options, VoxelType type, const files::ValueRange& input) {
     const Mode& mode = *options.mode;
     if (!options.window) return type == VoxelType::Rgb8 ? mode.colourWindow : mode.greyWindow;
     return options.fileUnits ? WindowInBytes(*options.window, input) : *options.window;
 }
 
-std::vector<Rotation> ViewsOf(const Options& options) {
+std::vector<Rotation> ViewsOf(const ProjectOptions& options) {
     const Rotation first = MakeRotation(options.order, options.angles);
     std::vector<Rotation> views = {first};
     for (int i = 1; i < options.frames; ++i)
@@ -95,7 +95,7 @@ std::vector<Rotation> ViewsOf(const Options& options) {
 }
 
 // What can be told without the volume.
-void CheckOptions(const Options& options) {
+void CheckOptions(const ProjectOptions& options) {
     if (options.frames == 0) {
         if (options.turnAxis) throw BadArgument("--axis belongs to --turntable");
         if (options.picturesPerSecond) throw BadArgument("--fps belongs to --turntable");
@@ -108,7 +108,7 @@ void CheckOptions(const Options& options) {
     ExtraOf(options);
 }
 
-TurnRequest RequestOf(const Options& options, const VolumeInput& input) {
+TurnRequest TurnRequestOf(const ProjectOptions& options, const VolumeInput& input) {
     TurnRequest request = {};
     request.mode = options.mode;
     request.projection = {options.mode->number,
@@ -128,13 +128,13 @@ TurnRequest RequestOf(const Options& options, const VolumeInput& input) {
     return request;
 }
 
-void RunProject(const Options& options) {
+void RunProject(const ProjectOptions& options) {
     CheckOptions(options);
     const VolumeInput input(options.input);
     const bool colour = input.Type() == VoxelType::Rgb8;
     if (colour && options.palette) throw BadArgument("--palette is for grey volumes");
     if (colour && options.fileUnits) throw BadArgument("--file-units is for grey volumes");
-    TurnRequest request = RequestOf(options, input);
+    TurnRequest request = TurnRequestOf(options, input);
     for (int i = 0; i < std::max(1, options.frames); ++i)
         CheckDistinct(FilesOf(request, i), input.Facts().files);
     const LoadedVolume loaded = input.Load(options.quiet);
@@ -142,7 +142,7 @@ void RunProject(const Options& options) {
     RenderTurn(request, *loaded.volume, options.quiet);
 }
 
-void AddView(CLI::App& command, Options& options) {
+void AddView(CLI::App& command, ProjectOptions& options) {
     AddParsed(
         command, "--mode", options.mode, [](std::string_view name) { return &ModeNamed(name); }, "MODE",
         ModeNames() + " (see below)")
@@ -163,7 +163,7 @@ void AddView(CLI::App& command, Options& options) {
               "layers: each deeper surface counts A times the one before (default 0.5)");
 }
 
-void AddPictures(CLI::App& command, Options& options) {
+void AddPictures(CLI::App& command, ProjectOptions& options) {
     command
         .add_option("-o,--output", options.outputs,
                     "file to write: .png picture; .nhdr (and .raw) or .pfm untouched floats;\n.apng animated "
@@ -199,7 +199,7 @@ void AddPictures(CLI::App& command, Options& options) {
 
 void AddProjectCommand(CLI::App& program) {
     CLI::App& command = *program.add_subcommand("project", "render a volume to pictures");
-    const auto options = std::make_shared<Options>();
+    const auto options = std::make_shared<ProjectOptions>();
     AddVolumeInput(command, options->input);
     AddView(command, *options);
     AddPictures(command, *options);

@@ -10,18 +10,21 @@ namespace z3d::tools {
 
 namespace {
 
-std::string Shown(Interval interval) { return Format("%g:%g", double{interval.low}, double{interval.high}); }
+std::string ShownInterval(Interval interval) {
+    return Format("%g:%g", double{interval.low}, double{interval.high});
+}
 
 std::string ShownRange(const Mode& mode) {
     if (mode.greyAuto) return "auto";
-    return Shown(mode.greyFull) + (mode.colourAuto ? ", rgb auto" : "");
+    return ShownInterval(mode.greyFull) + (mode.colourAuto ? ", rgb auto" : "");
 }
 
 std::string ModeTable() {
     std::string table = Format("%-63s%-12s%-12s%s\n", "Modes", "grey window", "rgb window", "range");
     for (const Mode& mode : Modes())
-        table += Format("  %-9s%-52s%-12s%-12s%s\n", mode.name, mode.summary, Shown(mode.greyWindow).c_str(),
-                        Shown(mode.colourWindow).c_str(), ShownRange(mode).c_str());
+        table += Format("  %-9s%-52s%-12s%-12s%s\n", mode.name, mode.summary,
+                        ShownInterval(mode.greyWindow).c_str(), ShownInterval(mode.colourWindow).c_str(),
+                        ShownRange(mode).c_str());
     return table;
 }
 

@@ -25,15 +25,13 @@ std::string Quoted(const std::string& name) {
     return plain ? name : "\"" + name + "\"";
 }
 
-bool Same(const Interval& a, const Interval& b) { return a.low == b.low && a.high == b.high; }
-
 std::string Choices(const View& view) {
     const Mode& mode = view.Mode();
     const ModeSettings& settings = view.Settings();
     std::string text = " --mode " + std::string(mode.name);
     if (mode.extra == Extra::Transparency) text += " --transparency " + Number(settings.extra);
     if (mode.extra == Extra::Attenuation) text += " --attenuation " + Number(settings.extra);
-    if (!Same(settings.window, view.Colour() ? mode.colourWindow : mode.greyWindow))
+    if (settings.window != (view.Colour() ? mode.colourWindow : mode.greyWindow))
         text += " --window " + Ends(settings.window);
     text +=
         " --rotate " + Number(view.angles[0]) + "," + Number(view.angles[1]) + "," + Number(view.angles[2]);

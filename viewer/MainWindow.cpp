@@ -12,7 +12,7 @@ namespace z3d::viewer {
 
 namespace {
 
-constexpr wchar_t kClass[] = L"ZentraView";
+constexpr wchar_t kMainClass[] = L"ZentraView";
 constexpr UINT kFrameWaits = WM_APP + 1;
 constexpr UINT kLoadWaits = WM_APP + 2;
 constexpr UINT_PTR kTimer = 1;
@@ -38,8 +38,8 @@ bool IsDown(int key) { return GetKeyState(key) < 0; }
 } // namespace
 
 MainWindow::MainWindow() {
-    RegisterWindowClass(kClass, Procedure, 0, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
-    CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"Zentra view", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
+    RegisterWindowClass(kMainClass, Procedure, 0, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
+    CreateWindowExW(WS_EX_CONTROLPARENT, kMainClass, L"Zentra view", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
                     CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, MakeMenu(),
                     GetModuleHandleW(nullptr), this);
     MakeParts();

@@ -19,7 +19,7 @@ using tools::Interval;
 
 namespace {
 
-constexpr wchar_t kClass[] = L"ZentraPanel";
+constexpr wchar_t kPanelClass[] = L"ZentraPanel";
 constexpr int kSliderSteps = 1000; // of sliders without whole values
 constexpr int kExtraSteps = 100;
 
@@ -68,9 +68,9 @@ bool Holds(int id, int first, size_t count) { return id >= first && id < first +
 
 Panel::Panel(HWND parent, State& state, std::function<void()> changed)
     : state_(state), changed_(std::move(changed)) {
-    RegisterWindowClass(kClass, Procedure, 0, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
-    window_ = CreateWindowExW(WS_EX_CONTROLPARENT, kClass, L"Settings", WS_CHILD | WS_VISIBLE, 0, 0, 0, 0,
-                              parent, nullptr, GetModuleHandleW(nullptr), this);
+    RegisterWindowClass(kPanelClass, Procedure, 0, reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1));
+    window_ = CreateWindowExW(WS_EX_CONTROLPARENT, kPanelClass, L"Settings", WS_CHILD | WS_VISIBLE, 0, 0, 0,
+                              0, parent, nullptr, GetModuleHandleW(nullptr), this);
     Create();
 }
 

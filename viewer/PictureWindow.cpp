@@ -9,7 +9,7 @@ namespace z3d::viewer {
 
 namespace {
 
-constexpr wchar_t kClass[] = L"ZentraPicture";
+constexpr wchar_t kPictureClass[] = L"ZentraPicture";
 
 RECT RectOf(const Box& box) { return {box.left, box.top, box.left + box.width, box.top + box.height}; }
 
@@ -39,9 +39,9 @@ BITMAPINFO InfoOf(const tools::Picture& picture) {
 
 PictureWindow::PictureWindow(HWND parent, State& state, std::function<void()> changed)
     : state_(state), changed_(std::move(changed)) {
-    RegisterWindowClass(kClass, Procedure, CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW, nullptr);
-    window_ = CreateWindowExW(0, kClass, L"Picture", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 0, 0, 0, parent,
-                              nullptr, GetModuleHandleW(nullptr), this);
+    RegisterWindowClass(kPictureClass, Procedure, CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW, nullptr);
+    window_ = CreateWindowExW(0, kPictureClass, L"Picture", WS_CHILD | WS_VISIBLE | WS_TABSTOP, 0, 0, 0, 0,
+                              parent, nullptr, GetModuleHandleW(nullptr), this);
 }
 
 void PictureWindow::Show(std::shared_ptr<const Frame> frame) {

@@ -33,12 +33,6 @@ short& CropBound(CropBox& box, size_t side) {
     return *bounds[side];
 }
 
-bool Same(const Interval& a, const Interval& b) { return a.low == b.low && a.high == b.high; }
-
-bool Same(const CropBox& a, const CropBox& b) {
-    return a.x0 == b.x0 && a.x1 == b.x1 && a.y0 == b.y0 && a.y1 == b.y1 && a.z0 == b.z0 && a.z1 == b.z1;
-}
-
 } // namespace
 
 View FirstView(const VolumeSize& size, VoxelType type) {
@@ -125,7 +119,7 @@ int AxisLength(const View& view, size_t axis) {
     return lengths[axis];
 }
 
-bool IsCropped(const View& view) { return !Same(view.crop, WholeBox(view.size)); }
+bool IsCropped(const View& view) { return view.crop != WholeBox(view.size); }
 
 ProjectionRequest RequestOf(const View& view) {
     const tools::Mode& mode = view.Mode();
@@ -135,15 +129,15 @@ ProjectionRequest RequestOf(const View& view) {
 Rotation RenderedRotation(const View& view) { return RotationOf(view.angles); }
 
 bool SameProjection(const View& a, const View& b) {
-    return a.mode == b.mode && Same(a.Settings().window, b.Settings().window)
-           && a.Settings().extra == b.Settings().extra && a.angles == b.angles && Same(a.crop, b.crop);
+    return a.mode == b.mode && a.Settings().window == b.Settings().window
+           && a.Settings().extra == b.Settings().extra && a.angles == b.angles && a.crop == b.crop;
 }
 
 bool SamePicture(const View& a, const View& b) {
     const RangeChoice& range = a.Settings().range;
     const RangeChoice& other = b.Settings().range;
     return SameProjection(a, b) && a.palette == b.palette && range.kind == other.kind
-           && Same(range.fixed, other.fixed);
+           && range.fixed == other.fixed;
 }
 
 } // namespace z3d::viewer

@@ -12,10 +12,10 @@ namespace z3d::primitives {
 namespace {
 
 // Sixteen running pairs of extremes of the bytes seen so far.
-struct ByteExtremes {
+struct RowExtremes {
     __m128i smallest, largest;
 
-    explicit ByteExtremes(std::uint8_t first)
+    explicit RowExtremes(std::uint8_t first)
         : smallest(_mm_set1_epi8(static_cast<char>(first))), largest(smallest) {}
 
     void Take(__m128i bytes) {
@@ -147,7 +147,7 @@ Status MinMax8uC1(const std::uint8_t* source, std::int32_t sourceStep, std::int3
     if (status != StatusNoError) return status;
 
     const std::uint8_t first = *source;
-    ByteExtremes extremes(first);
+    RowExtremes extremes(first);
     for (std::int32_t y = 0; y < height && !extremes.Complete(); ++y)
         extremes.TakeRow(RowAt(source, sourceStep, y), static_cast<std::size_t>(width), first);
 

@@ -19,10 +19,6 @@ using primitives::ValueRange;
 
 constexpr ValueRange kFullRange = {255, 0};
 
-reference::Volume RgbStack(int width, int height, int depth, std::vector<std::uint8_t> samples) {
-    return {width, height, depth, 3, std::move(samples)};
-}
-
 OwnedVolume Composed(const ChannelVolumes& channels, const ValueRange& range, ValueRange& display) {
     RecordingHost host;
     return compose::ComposeVolumes(channels, range, display, host.Get());

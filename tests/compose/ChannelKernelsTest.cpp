@@ -5,13 +5,13 @@
 #include "support/OnEachInstructionSet.h"
 #include "support/RandomSource.h"
 #include "support/Refusals.h"
+#include "support/SpecialValues.h"
 #include "support/Stacks.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <bit>
-#include <limits>
 #include <optional>
 #include <vector>
 
@@ -23,9 +23,6 @@ using primitives::ValueRange;
 
 using Bytes = std::vector<std::uint8_t>;
 using Floats = std::vector<float>;
-
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 template <class Sample>
 struct Channels {

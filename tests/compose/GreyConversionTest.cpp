@@ -4,13 +4,13 @@
 #include "support/RandomSource.h"
 #include "support/RecordingHost.h"
 #include "support/Refusals.h"
+#include "support/SpecialValues.h"
 #include "support/Stacks.h"
 
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cstddef>
-#include <limits>
 #include <vector>
 
 namespace {
@@ -20,9 +20,6 @@ using namespace z3d::test;
 using frame::OwnedVolume;
 using platform::Resource;
 using primitives::ValueRange;
-
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 OwnedVolume Converted(const reference::Volume& stack, const ValueRange& range, ValueRange& display) {
     const OwnedVolume source = ToVolume(stack);

@@ -34,12 +34,12 @@ ImageCounts CountImages(const compose::RgbImageRequest& request) {
     return counts;
 }
 
-const std::vector<std::uint8_t> kSamples(4 * 4 * 4, 3);
+const std::vector<std::uint8_t> kThrees(4 * 4 * 4, 3);
 
 TEST(RgbImageMemory, OfThreeFilesIsTheThreeChannelsAndOneSlice) {
-    const TemporaryFile red(kSamples);
-    const TemporaryFile green(kSamples);
-    const TemporaryFile blue(kSamples);
+    const TemporaryFile red(kThrees);
+    const TemporaryFile green(kThrees);
+    const TemporaryFile blue(kThrees);
 
     const ImageCounts counts = CountImages(Request(red.Name(), green.Name(), blue.Name(), 4, 4, 4));
 
@@ -48,7 +48,7 @@ TEST(RgbImageMemory, OfThreeFilesIsTheThreeChannelsAndOneSlice) {
 }
 
 TEST(RgbImageMemory, OfOneFileOfBytesIsTheResult) {
-    const TemporaryFile file(kSamples);
+    const TemporaryFile file(kThrees);
 
     const ImageCounts counts = CountImages(Request(file.Name(), file.Name(), file.Name(), 4, 4, 4));
 
@@ -57,7 +57,7 @@ TEST(RgbImageMemory, OfOneFileOfBytesIsTheResult) {
 }
 
 TEST(RgbImageMemory, OfOneFileOfFloatsIsTheFileAndOneSlice) {
-    const TemporaryFile file(kSamples);
+    const TemporaryFile file(kThrees);
     compose::RgbImageRequest request = Request(file.Name(), file.Name(), file.Name(), 4, 4, 4);
     request.is8bit = false;
 
@@ -69,7 +69,7 @@ TEST(RgbImageMemory, OfOneFileOfFloatsIsTheFileAndOneSlice) {
 
 // 4 x 4 x 4 becomes 2 x 2 x 2: each slice is resized as it is read, so the full size is there once at a time.
 TEST(RgbImageMemory, OfAResampledFileIsItsSmallSlices) {
-    const TemporaryFile file(kSamples);
+    const TemporaryFile file(kThrees);
     compose::RgbImageRequest request = Request(file.Name(), file.Name(), file.Name(), 4, 4, 4);
     request.maxDiagonal = 4;
 
@@ -81,7 +81,7 @@ TEST(RgbImageMemory, OfAResampledFileIsItsSmallSlices) {
 
 // At the calls between slices nothing else is held: the volumes' handles and tables, and the images' handles.
 TEST(RgbImageMemory, OfScratchIsNoneBetweenSlices) {
-    const TemporaryFile red(kSamples);
+    const TemporaryFile red(kThrees);
     const std::int64_t before = Outstanding(Resource::Heap);
     RecordingHost host;
     Counts heap;

@@ -18,10 +18,6 @@ using namespace z3d::test;
 using Bytes = std::vector<std::uint8_t>;
 using Floats = std::vector<float>;
 
-reference::Volume RgbStack(int width, int height, int depth, Bytes samples) {
-    return {width, height, depth, 3, std::move(samples)};
-}
-
 TEST(RgbImage, ComposesThreeFiles) {
     const TemporaryFile red(Bytes{0, 10});
     const TemporaryFile green(Bytes{20, 255});

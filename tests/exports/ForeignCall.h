@@ -64,6 +64,12 @@ struct CallOutcome {
     int exceptionsRaised;           // those that a debugger or a vectored handler would have seen
 };
 
+// A function's address, as the call takes it.
+template <class Function>
+const void* CodeOf(Function* function) {
+    return reinterpret_cast<const void*>(function);
+}
+
 // Calls a function by the platform's convention. `misalignment` is one of Misalignments(). All eight x87 registers
 // hold a number that the tags may declare valid. Returns in the program's own environment whatever the callee did,
 // also to the stack pointer. Raised floating-point exceptions are counted, masked and resumed; all others end the

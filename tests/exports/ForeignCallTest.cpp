@@ -26,13 +26,8 @@ void __stdcall DivideByZeroOnX87() {
     asm volatile("fld1\n\tfdivl %0\n\tfwait\n\tfstp %%st(0)" : : "m"(zero));
 }
 
-template <class Function>
-const void* Pointer(Function* function) {
-    return reinterpret_cast<const void*>(function);
-}
-
 TEST(ForeignCall, PassesSlotsInOrderAndReturnsTheResult) {
-    const CallOutcome outcome = CallForeign(Pointer(&Add), SlotsOf(3, 5), 0, {});
+    const CallOutcome outcome = CallForeign(CodeOf(&Add), SlotsOf(3, 5), 0, {});
 
     EXPECT_EQ(static_cast<std::uint32_t>(outcome.result), 13u);
     EXPECT_EQ(outcome.bytesPopped, BytesToPop(2));
@@ -42,14 +37,14 @@ TEST(ForeignCall, PassesSlotsInOrderAndReturnsTheResult) {
 }
 
 TEST(ForeignCall, SurvivesAndReportsAWrongNumberOfSlots) {
-    EXPECT_EQ(CallForeign(Pointer(&Add), SlotsOf(1, 2, 3), 0, {}).bytesPopped, BytesToPop(2));
+    EXPECT_EQ(CallForeign(CodeOf(&Add), SlotsOf(1, 2, 3), 0, {}).bytesPopped, BytesToPop(2));
 }
 
 TEST(ForeignCall, MisalignsTheStack) {
     for (const unsigned misalignment : Misalignments()) {
         for (const std::size_t count : {0u, 1u, 2u, 3u, 15u}) {
             const std::vector<Slot> slots(count);
-            CallForeign(Pointer(&Z3dNoteStack), slots, misalignment, {});
+            CallForeign(CodeOf(&Z3dNoteStack), slots, misalignment, {});
 
             EXPECT_EQ((Z3dStackAtEntry + sizeof(Slot) + misalignment) % 16, 0u)
                 << count << " slots, " << misalignment;
@@ -60,7 +55,7 @@ TEST(ForeignCall, MisalignsTheStack) {
 TEST(ForeignCall, DeliversEveryConditionToTheCallee) {
     for (const HostCondition& condition : AllConditions()) {
         const FloatingPointEnvironment& wanted = condition.floatingPoint;
-        const CallOutcome outcome = CallForeign(Pointer(&Z3dNoteStack), {}, condition.misalignment, wanted);
+        const CallOutcome outcome = CallForeign(CodeOf(&Z3dNoteStack), {}, condition.misalignment, wanted);
 
         ASSERT_EQ(outcome.after.x87Control & 0x1F3F, wanted.x87Control & 0x1F3F) << Describe(condition);
         ASSERT_EQ(outcome.after.x87Status & 0x7F3F, wanted.x87Status) << Describe(condition);
@@ -70,14 +65,14 @@ TEST(ForeignCall, DeliversEveryConditionToTheCallee) {
 }
 
 TEST(ForeignCall, SeesSseFlags) {
-    const CallOutcome outcome = CallForeign(Pointer(&RaiseSseFlags), {}, 0, {});
+    const CallOutcome outcome = CallForeign(CodeOf(&RaiseSseFlags), {}, 0, {});
 
     EXPECT_EQ(outcome.after.mxcsr, 0x1F84u);
     EXPECT_EQ(outcome.exceptionsRaised, 0);
 }
 
 TEST(ForeignCall, SeesX87ControlFlagsAndTags) {
-    const CallOutcome outcome = CallForeign(Pointer(&DisturbX87), {}, 0, {});
+    const CallOutcome outcome = CallForeign(CodeOf(&DisturbX87), {}, 0, {});
 
     EXPECT_EQ(outcome.after.x87Control, 0x0F7F);
     EXPECT_EQ(outcome.after.x87Status & 0x3820, 0x3820) << "the stack's top is register 7, inexact is set";
@@ -85,20 +80,20 @@ TEST(ForeignCall, SeesX87ControlFlagsAndTags) {
 }
 
 TEST(ForeignCall, CountsAnUnmaskedSseException) {
-    const CallOutcome outcome = CallForeign(Pointer(&RaiseSseFlags), {}, 0, {0x037F, 0, 0xFFFF, 0x0000});
+    const CallOutcome outcome = CallForeign(CodeOf(&RaiseSseFlags), {}, 0, {0x037F, 0, 0xFFFF, 0x0000});
 
     EXPECT_EQ(outcome.exceptionsRaised, 1);
 }
 
 TEST(ForeignCall, CountsAnUnmaskedX87Exception) {
-    const CallOutcome outcome = CallForeign(Pointer(&DivideByZeroOnX87), {}, 0, {0x1372, 0, 0xFFFF, 0x1F80});
+    const CallOutcome outcome = CallForeign(CodeOf(&DivideByZeroOnX87), {}, 0, {0x1372, 0, 0xFFFF, 0x1F80});
 
     EXPECT_EQ(outcome.exceptionsRaised, 1);
 }
 
 // A callee that waits for a pending exception gets it.
 TEST(ForeignCall, PendingExceptionsFireAtTheFirstWait) {
-    const CallOutcome outcome = CallForeign(Pointer(&DisturbX87), {}, 0, {0x1372, 0x0004, 0xFFFF, 0x1F80});
+    const CallOutcome outcome = CallForeign(CodeOf(&DisturbX87), {}, 0, {0x1372, 0x0004, 0xFFFF, 0x1F80});
 
     EXPECT_EQ(outcome.exceptionsRaised, 1);
 }

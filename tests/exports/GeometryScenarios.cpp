@@ -8,16 +8,14 @@
 namespace z3d::test {
 namespace {
 
-using Float = std::numeric_limits<float>;
-
 constexpr AxisOrder kOrders[] = {{{0, 1, 2}}, {{2, 0, 1}}, {{1, 2, 0}},
                                  {{0, 2, 1}}, {{1, 1, 0}}, {{-1, 3, 32767}}};
 
 // From the exact to the hopeless.
 constexpr float kAngles[][3] = {{0, 90, -180},
                                 {12.5f, -33.3f, 271.7f},
-                                {1e-30f, Float::denorm_min(), 1e9f},
-                                {Float::infinity(), 1, Float::signaling_NaN()}};
+                                {1e-30f, FloatLimits::denorm_min(), 1e9f},
+                                {FloatLimits::infinity(), 1, FloatLimits::signaling_NaN()}};
 
 void MakeMatrices(ForeignHost& host, Findings& findings) {
     for (const AxisOrder& order : kOrders) {
@@ -38,7 +36,7 @@ constexpr double kMatrices[][9] = {
 
 void ExtractTwoAngles(ForeignHost& host, Findings& findings) {
     for (const double(&m)[9] : kMatrices) {
-        for (const float third : {0.0f, 33.3f, Float::denorm_min()}) {
+        for (const float third : {0.0f, 33.3f, FloatLimits::denorm_min()}) {
             double matrix[9] = {};
             float angles[2] = {};
             host.Call("GetAngleXY", matrix, m[2], m[5], m[8], &angles[0], &angles[1], third);
@@ -80,8 +78,8 @@ void LookUpGamma(ForeignHost& host, Findings& findings) {
     unsigned char table[256];
     for (unsigned int index = 0; index < 256; ++index)
         table[index] = static_cast<unsigned char>(index * index / 255);
-    for (const float value : {0.0f, 10.25f, 10.9f, 254.99999f, 300.0f, -3.0f, Float::denorm_min(),
-                              Float::signaling_NaN(), Float::infinity()})
+    for (const float value : {0.0f, 10.25f, 10.9f, 254.99999f, 300.0f, -3.0f, FloatLimits::denorm_min(),
+                              FloatLimits::signaling_NaN(), FloatLimits::infinity()})
         findings.Add(host.Call("AdjustGamma", table, value));
 }
 
@@ -98,7 +96,7 @@ void ConvertSubvolumes(ForeignHost& host, Findings& findings) {
     }
 }
 
-const Scenario kScenarios[] = {
+const Scenario kGeometryScenarios[] = {
     {"rotation matrices", {"CreateRotateMatrix"}, MakeMatrices},
     {"two angles", {"GetAngleXY", "GetAngleZX", "GetAngleYZ"}, ExtractTwoAngles},
     {"three angles", {"GetAngleXYZ", "GetAngleZXY", "GetAngleYZX"}, ExtractThreeAngles},
@@ -109,6 +107,6 @@ const Scenario kScenarios[] = {
 
 } // namespace
 
-std::span<const Scenario> GeometryScenarios() { return kScenarios; }
+std::span<const Scenario> GeometryScenarios() { return kGeometryScenarios; }
 
 } // namespace z3d::test

@@ -32,4 +32,6 @@ std::size_t MeasurePrivateBytes() {
     return total;
 }
 
+unsigned LocksOn(const Image2D* image) { return GlobalFlags(image->mem) & GMEM_LOCKCOUNT; }
+
 } // namespace z3d::test

@@ -1,6 +1,8 @@
 // What the process holds, measured to the block.
 #pragma once
 
+#include "Zentra3DRendering.h"
+
 #include <cstddef>
 #include <ostream>
 
@@ -17,6 +19,9 @@ HeapUse MeasureHeaps();
 
 // Committed pages that belong to no file, over the whole address space.
 std::size_t MeasurePrivateBytes();
+
+// Locks on the block of an image.
+unsigned LocksOn(const Image2D* image);
 
 inline std::ostream& operator<<(std::ostream& out, const HeapUse& use) {
     return out << use.blocks << " blocks of " << use.bytes << " bytes";

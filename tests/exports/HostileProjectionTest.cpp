@@ -1,6 +1,7 @@
 // Arguments that no sound host would pass: the documented failure, never a crash, and nothing left behind.
 #include "exports/ExportedVolume.h"
 #include "exports/Library.h"
+#include "support/SpecialValues.h"
 
 #include <gtest/gtest.h>
 
@@ -12,9 +13,6 @@
 namespace {
 
 using namespace z3d::test;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 // Every test ends without an exception having been raised, and its volume unlocked.
 class HostileProjection : public ::testing::Test {

@@ -3,6 +3,8 @@
 #include "exports/ForeignHost.h"
 #include "exports/Library.h"
 
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cstddef>
 
@@ -51,6 +53,15 @@ std::vector<unsigned char> BytesOf(Volume3D* volume) {
     }
     TheLibrary().GlobalUnlock3D(volume);
     return bytes;
+}
+
+Image TakeImage(Volume3D* volume) {
+    if (volume == nullptr) return {};
+    EXPECT_EQ(volume->sliceRows, nullptr);
+    Image image = {volume->width, volume->height, volume->depth, volume->slices[0]->bytesPerPixel,
+                   BytesOf(volume)};
+    TheLibrary().Free3DData(volume);
+    return image;
 }
 
 } // namespace z3d::test

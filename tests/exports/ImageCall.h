@@ -17,6 +17,9 @@ struct CallbackCall {
     bool operator==(const CallbackCall&) const = default;
 };
 
+// There will be no image.
+inline constexpr CallbackCall kNoResult = {0, 0x42C80000};
+
 // The host's side of the callback; its address is the user value.
 struct CallbackLog {
     std::vector<CallbackCall> calls;
@@ -62,5 +65,15 @@ struct ImageCall {
 
 // The bytes of all slices, one after another.
 std::vector<unsigned char> BytesOf(Volume3D* volume);
+
+// All zero where there is no volume.
+struct Image {
+    int width = 0, height = 0, depth = 0;
+    unsigned int bytesPerPixel = 0;
+    std::vector<std::uint8_t> bytes;
+};
+
+// Reads and frees a result in one go.
+Image TakeImage(Volume3D* volume);
 
 } // namespace z3d::test

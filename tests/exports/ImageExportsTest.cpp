@@ -1,4 +1,5 @@
 // Images through the DLL: sizes, locks, frees.
+#include "exports/HeapUse.h"
 #include "exports/Library.h"
 
 #include <gtest/gtest.h>
@@ -12,8 +13,6 @@
 namespace {
 
 using namespace z3d::test;
-
-UINT LocksOn(const Image2D* image) { return GlobalFlags(image->mem) & GMEM_LOCKCOUNT; }
 
 TEST(ImageExports, KeepTheLow16BitsOfWidthAndHeight) {
     Image2D* image = TheLibrary().GlobalAlloc2D(0x10003, 0xFFFF0002, 4);

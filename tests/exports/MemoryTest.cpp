@@ -15,7 +15,7 @@ namespace {
 
 using namespace z3d::test;
 
-constexpr int kRounds = 100000;
+constexpr int kManyRounds = 100000;
 // One of them is unknown.
 constexpr int kModeCount = kRenderModeCount + 1;
 
@@ -41,7 +41,7 @@ TEST(Memory, StaysTheSameOver100000Rounds) {
     const HeapUse heapsBefore = MeasureHeaps();
     const std::size_t bytesBefore = MeasurePrivateBytes();
 
-    for (int round = 0; round < kRounds; ++round)
+    for (int round = 0; round < kManyRounds; ++round)
         OneRound(round);
 
     const std::size_t bytesAfter = MeasurePrivateBytes();

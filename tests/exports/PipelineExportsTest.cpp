@@ -23,24 +23,7 @@ using Calls = std::vector<CallbackCall>;
 constexpr CallbackCall kStart = {101, 0};
 constexpr CallbackCall kHalf = {102, 0x42480000};
 constexpr CallbackCall kWhole = {102, 0x42C80000};
-constexpr CallbackCall kNoResult = {0, 0x42C80000};
 constexpr CallbackCall kCannotRun = {200, 0x42C80000};
-
-// Reads, frees and describes a result in one go.
-struct Image {
-    int width = 0, height = 0, depth = 0;
-    unsigned int bytesPerPixel = 0;
-    Bytes bytes;
-};
-
-Image TakeImage(Volume3D* volume) {
-    if (volume == nullptr) return {};
-    EXPECT_EQ(volume->sliceRows, nullptr);
-    Image image = {volume->width, volume->height, volume->depth, volume->slices[0]->bytesPerPixel,
-                   BytesOf(volume)};
-    TheLibrary().Free3DData(volume);
-    return image;
-}
 
 TEST(PipelineExports, ComposeChannelsIntoAVolumeOfTheHosts) {
     const TemporaryFile red(Bytes{0, 1});

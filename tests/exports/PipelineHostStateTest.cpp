@@ -16,11 +16,6 @@ using namespace z3d::test;
 
 void Z3D_CALL DoNothing() {}
 
-template <class Function>
-const void* Pointer(Function* function) {
-    return reinterpret_cast<const void*>(function);
-}
-
 const std::vector<float> kSamples = {0.1f, 0.2f, 0.3f, 7.7f};
 
 TEST(PipelineHostState, IsTheHostsInEveryCallOfItsCallback) {
@@ -28,7 +23,7 @@ TEST(PipelineHostState, IsTheHostsInEveryCallOfItsCallback) {
     for (const HostCondition& condition : AllConditions()) {
         const auto& [misalignment, environment] = condition;
         const FloatingPointEnvironment expected =
-            CallForeign(Pointer(&DoNothing), {}, misalignment, environment).after;
+            CallForeign(CodeOf(&DoNothing), {}, misalignment, environment).after;
         CallbackLog log;
         ImageCall call = {.red = file.Name(), .width = 2, .depth = 2, .is8bit = 0, .log = &log};
         const CallOutcome outcome =

@@ -19,8 +19,6 @@ using namespace z3d::test;
 
 using Calls = std::vector<CallbackCall>;
 
-constexpr CallbackCall kNoResult = {0, 0x42C80000};
-
 // A DLL of its own, with a title that nobody has set yet.
 class Copy {
 public:

@@ -17,21 +17,6 @@ using namespace z3d::test;
 using Bytes = std::vector<std::uint8_t>;
 using Floats = std::vector<float>;
 
-struct Image {
-    int width = 0, height = 0, depth = 0;
-    unsigned int bytesPerPixel = 0;
-    Bytes bytes;
-};
-
-Image TakeImage(ImageCall& call) {
-    Volume3D* volume = call.Run();
-    if (volume == nullptr) return {};
-    Image image = {volume->width, volume->height, volume->depth, volume->slices[0]->bytesPerPixel,
-                   BytesOf(volume)};
-    TheLibrary().Free3DData(volume);
-    return image;
-}
-
 ImageCall CallForGrey(const TemporaryFile& file, std::uint32_t width, std::uint32_t height,
                       std::uint32_t depth) {
     return {.red = file.Name(),
@@ -48,7 +33,7 @@ TEST(PipelineResults, LastColumnsAndRowsAreZeroWhereTheDepthStays) {
     ImageCall call = CallForGrey(file, 8, 8, 1);
     call.maxDiagonal = 7;
 
-    const Image image = TakeImage(call);
+    const Image image = TakeImage(call.Run());
 
     EXPECT_EQ(image.bytes, (Bytes{50, 50, 50, 0, 50, 50, 50, 0, 50, 50, 50, 0, 0, 0, 0, 0}));
     EXPECT_EQ(call.rangeMin, 0) << "the zeroes count";
@@ -60,7 +45,7 @@ TEST(PipelineResults, LastColumnsAndRowsAreClampedToTheFilesRangeWhereTheDepthCh
     ImageCall call = CallForGrey(file, 8, 8, 8);
     call.maxDiagonal = 7;
 
-    const Image image = TakeImage(call);
+    const Image image = TakeImage(call.Run());
 
     EXPECT_EQ(image.width, 4);
     EXPECT_EQ(image.bytes, Bytes(64, 50));
@@ -72,7 +57,7 @@ TEST(PipelineResults, AGreyFileOfOneFloatHoldsItsLow8Bits) {
     ImageCall call = CallForGrey(file, 2, 2, 1);
     call.is8bit = 0;
 
-    EXPECT_EQ(TakeImage(call).bytes, Bytes(4, 300 - 256));
+    EXPECT_EQ(TakeImage(call.Run()).bytes, Bytes(4, 300 - 256));
     EXPECT_EQ(call.outMax, 300.7f);
     EXPECT_EQ(call.outMin, 300.7f);
     EXPECT_EQ(call.rangeMax, 300.7f);
@@ -87,7 +72,7 @@ TEST(PipelineResults, ColoursOfOneSingleValueAreBlack) {
         call.is8bit = is8bit;
         call.keepChannelsApart = 1;
 
-        EXPECT_EQ(TakeImage(call).bytes, Bytes(6, 0));
+        EXPECT_EQ(TakeImage(call.Run()).bytes, Bytes(6, 0));
         EXPECT_EQ(call.rangeMax, 77);
         EXPECT_EQ(call.outMax, 3);
         EXPECT_EQ(call.outMin, 0);
@@ -98,23 +83,23 @@ TEST(PipelineResults, ColoursOfOneSingleValueAreBlack) {
 TEST(PipelineResults, BytesOfAColourStandForTheCommonRange) {
     const TemporaryFile labels(Bytes{0, 1, 2, 3});
     ImageCall call = {.red = labels.Name(), .width = 4};
-    EXPECT_EQ(TakeImage(call).bytes, Bytes(12, 0));
+    EXPECT_EQ(TakeImage(call.Run()).bytes, Bytes(12, 0));
 
     const TemporaryFile labelsAndWhite(Bytes{0, 1, 2, 255});
     call.red = labelsAndWhite.Name();
-    EXPECT_EQ(TakeImage(call).bytes, (Bytes{0, 0, 0, 1, 0, 0, 2, 0, 0, 255, 0, 0}));
+    EXPECT_EQ(TakeImage(call.Run()).bytes, (Bytes{0, 0, 0, 1, 0, 0, 2, 0, 0, 255, 0, 0}));
 
     ImageCall grey = CallForGrey(labels, 4, 1, 1);
-    EXPECT_EQ(TakeImage(grey).bytes, (Bytes{0, 1, 2, 3}));
+    EXPECT_EQ(TakeImage(grey.Run()).bytes, (Bytes{0, 1, 2, 3}));
 }
 
 TEST(PipelineResults, AFileThatIsNamedOnceIsAColour) {
     const TemporaryFile file(Bytes{0, 255});
     ImageCall red = {.red = file.Name(), .width = 2};
-    EXPECT_EQ(TakeImage(red).bytes, (Bytes{0, 0, 0, 255, 0, 0}));
+    EXPECT_EQ(TakeImage(red.Run()).bytes, (Bytes{0, 0, 0, 255, 0, 0}));
 
     ImageCall grey = CallForGrey(file, 2, 1, 1);
-    EXPECT_EQ(TakeImage(grey).bytesPerPixel, 1u);
+    EXPECT_EQ(TakeImage(grey.Run()).bytesPerPixel, 1u);
 }
 
 TEST(PipelineResults, WithoutADiagonalThereIsOneVoxel) {
@@ -122,7 +107,7 @@ TEST(PipelineResults, WithoutADiagonalThereIsOneVoxel) {
     for (const std::uint32_t diagonal : {0u, 0xFFFFFFFFu, 0x8000u}) {
         ImageCall call = CallForGrey(file, 3, 3, 3);
         call.maxDiagonal = diagonal;
-        const Image image = TakeImage(call);
+        const Image image = TakeImage(call.Run());
         EXPECT_EQ(image.width * image.height * image.depth, 1);
     }
 }
@@ -142,7 +127,7 @@ TEST(PipelineResults, PhasesAreOneOrTwoPerFileAndOneForTheResult) {
     const auto phases = [](ImageCall call) {
         CallbackLog log;
         call.log = &log;
-        EXPECT_NE(TakeImage(call).width, 0);
+        EXPECT_NE(TakeImage(call.Run()).width, 0);
         return CountPhases(log);
     };
     ImageCall rgb = {
@@ -166,7 +151,7 @@ TEST(PipelineResults, TheDisplayRangeOfAColourHoldsEverySum) {
         const TemporaryFile green(Bytes{sample(2), sample(3)});
         ImageCall call = {.red = red.Name(), .green = green.Name(), .width = 2};
 
-        const Bytes bytes = TakeImage(call).bytes;
+        const Bytes bytes = TakeImage(call.Run()).bytes;
         for (std::size_t voxel = 0; voxel < bytes.size(); voxel += 3) {
             const int sum = bytes[voxel] + bytes[voxel + 1] + bytes[voxel + 2];
             EXPECT_GE(static_cast<float>(sum), call.outMin);

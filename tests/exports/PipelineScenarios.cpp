@@ -12,8 +12,6 @@
 namespace z3d::test {
 namespace {
 
-using Float = std::numeric_limits<float>;
-
 // Written once; numbers that raise flags wherever they are touched among them.
 const TemporaryFile& ByteFile() {
     static const TemporaryFile file(std::vector<std::uint8_t>{9, 80, 7, 255, 6, 5, 4, 0, 130, 3, 2, 1});
@@ -21,14 +19,15 @@ const TemporaryFile& ByteFile() {
 }
 
 const TemporaryFile& FloatFile() {
-    static const TemporaryFile file(
-        std::vector<float>{0.1f, -3, Float::denorm_min(), 1e30f, 7, 0.3f, 200, 1e-30f, -0.0f, 5, 77, 12});
+    static const TemporaryFile file(std::vector<float>{0.1f, -3, FloatLimits::denorm_min(), 1e30f, 7, 0.3f,
+                                                       200, 1e-30f, -0.0f, 5, 77, 12});
     return file;
 }
 
 const TemporaryFile& HardFile() {
-    static const TemporaryFile file(std::vector<float>{Float::signaling_NaN(), -Float::infinity(),
-                                                       Float::max(), 1, -Float::max(), Float::quiet_NaN()});
+    static const TemporaryFile file(std::vector<float>{FloatLimits::signaling_NaN(), -FloatLimits::infinity(),
+                                                       FloatLimits::max(), 1, -FloatLimits::max(),
+                                                       FloatLimits::quiet_NaN()});
     return file;
 }
 
@@ -79,7 +78,7 @@ void SetTitles(ForeignHost& host, Findings& findings) {
     findings.Add(host.CallForPointer<const char>("SetRenderMsgTitle", nullptr) == second);
 }
 
-const Scenario kScenarios[] = {
+const Scenario kPipelineScenarios[] = {
     {"images from files", {"GetRGBImage"}, LoadFiles},
     {"images with hard numbers", {"GetRGBImage"}, LoadHardNumbers},
     {"titles", {"SetRenderMsgTitle"}, SetTitles},
@@ -87,6 +86,6 @@ const Scenario kScenarios[] = {
 
 } // namespace
 
-std::span<const Scenario> PipelineScenarios() { return kScenarios; }
+std::span<const Scenario> PipelineScenarios() { return kPipelineScenarios; }
 
 } // namespace z3d::test

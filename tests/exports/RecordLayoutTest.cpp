@@ -13,23 +13,23 @@ namespace {
 using namespace z3d::test;
 
 // In a process of 32 bits, and of 64.
-constexpr std::size_t Bytes(std::size_t of32, std::size_t of64) { return sizeof(void*) == 4 ? of32 : of64; }
+constexpr std::size_t InBytes(std::size_t of32, std::size_t of64) { return sizeof(void*) == 4 ? of32 : of64; }
 
-constexpr std::size_t kPointer = Bytes(4, 8);
+constexpr std::size_t kPointer = InBytes(4, 8);
 
-static_assert(sizeof(Image2D) == Bytes(16, 24));
+static_assert(sizeof(Image2D) == InBytes(16, 24));
 static_assert(offsetof(Image2D, mem) == 0 && sizeof(Image2D::mem) == kPointer);
-static_assert(offsetof(Image2D, rows) == Bytes(4, 8) && sizeof(Image2D::rows) == kPointer);
-static_assert(offsetof(Image2D, width) == Bytes(8, 16) && sizeof(Image2D::width) == 2);
-static_assert(offsetof(Image2D, height) == Bytes(10, 18) && sizeof(Image2D::height) == 2);
-static_assert(offsetof(Image2D, bytesPerPixel) == Bytes(12, 20) && sizeof(Image2D::bytesPerPixel) == 4);
+static_assert(offsetof(Image2D, rows) == InBytes(4, 8) && sizeof(Image2D::rows) == kPointer);
+static_assert(offsetof(Image2D, width) == InBytes(8, 16) && sizeof(Image2D::width) == 2);
+static_assert(offsetof(Image2D, height) == InBytes(10, 18) && sizeof(Image2D::height) == 2);
+static_assert(offsetof(Image2D, bytesPerPixel) == InBytes(12, 20) && sizeof(Image2D::bytesPerPixel) == 4);
 
-static_assert(sizeof(Volume3D) == Bytes(16, 24));
+static_assert(sizeof(Volume3D) == InBytes(16, 24));
 static_assert(offsetof(Volume3D, slices) == 0 && sizeof(Volume3D::slices) == kPointer);
-static_assert(offsetof(Volume3D, sliceRows) == Bytes(4, 8) && sizeof(Volume3D::sliceRows) == kPointer);
-static_assert(offsetof(Volume3D, width) == Bytes(8, 16) && sizeof(Volume3D::width) == 2);
-static_assert(offsetof(Volume3D, height) == Bytes(10, 18) && sizeof(Volume3D::height) == 2);
-static_assert(offsetof(Volume3D, depth) == Bytes(12, 20) && sizeof(Volume3D::depth) == 2);
+static_assert(offsetof(Volume3D, sliceRows) == InBytes(4, 8) && sizeof(Volume3D::sliceRows) == kPointer);
+static_assert(offsetof(Volume3D, width) == InBytes(8, 16) && sizeof(Volume3D::width) == 2);
+static_assert(offsetof(Volume3D, height) == InBytes(10, 18) && sizeof(Volume3D::height) == 2);
+static_assert(offsetof(Volume3D, depth) == InBytes(12, 20) && sizeof(Volume3D::depth) == 2);
 
 static_assert(sizeof(AxisOrder) == 6);
 
@@ -43,10 +43,10 @@ Value At(const void* record, std::size_t offset) {
 TEST(RecordLayout, OfAnImage) {
     Image2D* image = TheLibrary().GlobalAlloc2D(0x1234, 2, 3);
 
-    EXPECT_EQ(At<void*>(image, Bytes(4, 8)), nullptr);
-    EXPECT_EQ(At<std::uint16_t>(image, Bytes(8, 16)), 0x1234);
-    EXPECT_EQ(At<std::uint16_t>(image, Bytes(10, 18)), 2);
-    EXPECT_EQ(At<std::uint32_t>(image, Bytes(12, 20)), 3u);
+    EXPECT_EQ(At<void*>(image, InBytes(4, 8)), nullptr);
+    EXPECT_EQ(At<std::uint16_t>(image, InBytes(8, 16)), 0x1234);
+    EXPECT_EQ(At<std::uint16_t>(image, InBytes(10, 18)), 2);
+    EXPECT_EQ(At<std::uint32_t>(image, InBytes(12, 20)), 3u);
 
     TheLibrary().GlobalFree2D(image);
 }
@@ -55,7 +55,7 @@ TEST(RecordLayout, OfALockedImage) {
     Image2D* image = TheLibrary().GlobalAlloc2D(5, 2, 1);
     unsigned char** rows = TheLibrary().GlobalLock2D(image);
 
-    EXPECT_EQ(At<void*>(image, Bytes(4, 8)), static_cast<void*>(rows));
+    EXPECT_EQ(At<void*>(image, InBytes(4, 8)), static_cast<void*>(rows));
     EXPECT_EQ(At<void*>(image, 0), HandleOf(At<void*>(rows, 0)));
     EXPECT_TRUE(IsBlockOf(At<void*>(rows, 0), 5 * 2));
     EXPECT_EQ(At<std::uintptr_t>(rows, kPointer), At<std::uintptr_t>(rows, 0) + 5);
@@ -66,13 +66,13 @@ TEST(RecordLayout, OfALockedImage) {
 TEST(RecordLayout, OfAVolume) {
     const ExportedVolume volume(7, 6, 0x102, 1);
 
-    EXPECT_EQ(At<void*>(volume.Get(), Bytes(4, 8)), nullptr);
-    EXPECT_EQ(At<std::uint16_t>(volume.Get(), Bytes(8, 16)), 7);
-    EXPECT_EQ(At<std::uint16_t>(volume.Get(), Bytes(10, 18)), 6);
-    EXPECT_EQ(At<std::uint16_t>(volume.Get(), Bytes(12, 20)), 0x102);
+    EXPECT_EQ(At<void*>(volume.Get(), InBytes(4, 8)), nullptr);
+    EXPECT_EQ(At<std::uint16_t>(volume.Get(), InBytes(8, 16)), 7);
+    EXPECT_EQ(At<std::uint16_t>(volume.Get(), InBytes(10, 18)), 6);
+    EXPECT_EQ(At<std::uint16_t>(volume.Get(), InBytes(12, 20)), 0x102);
     const void* lastSlice = At<void*>(At<void*>(volume.Get(), 0), 0x101 * kPointer);
-    EXPECT_EQ(At<std::uint16_t>(lastSlice, Bytes(8, 16)), 7);
-    EXPECT_EQ(At<std::uint16_t>(lastSlice, Bytes(10, 18)), 6);
+    EXPECT_EQ(At<std::uint16_t>(lastSlice, InBytes(8, 16)), 7);
+    EXPECT_EQ(At<std::uint16_t>(lastSlice, InBytes(10, 18)), 6);
 }
 
 // Base plus bytes, as a host without our header computes it.
@@ -80,7 +80,7 @@ TEST(RecordLayout, VoxelOfALockedVolume) {
     const ExportedVolume volume(7, 6, 3, 3);
     TheLibrary().GlobalLock3D(volume.Get());
 
-    void* slices = At<void*>(volume.Get(), Bytes(4, 8));
+    void* slices = At<void*>(volume.Get(), InBytes(4, 8));
     void* rows = At<void*>(slices, 2 * kPointer);
     void* row = At<void*>(rows, 5 * kPointer);
     EXPECT_EQ(static_cast<unsigned char*>(row) + 4 * 3, &volume->sliceRows[2][5][12]);

@@ -78,13 +78,13 @@ void RenderColour(ForeignHost& host, Findings& findings) {
 
 // Numbers that raise flags wherever they are touched.
 void RenderWithHardNumbers(ForeignHost& host, Findings& findings) {
-    using Float = std::numeric_limits<float>;
     for (const RenderMode mode : kRenderModes) {
-        for (const float extra : {Float::denorm_min(), Float::infinity(), Float::signaling_NaN()}) {
-            Render(host, findings, mode, 1, Float::infinity(), -Float::infinity(), extra);
-            Render(host, findings, mode, 1, Float::signaling_NaN(), 0, extra);
+        for (const float extra :
+             {FloatLimits::denorm_min(), FloatLimits::infinity(), FloatLimits::signaling_NaN()}) {
+            Render(host, findings, mode, 1, FloatLimits::infinity(), -FloatLimits::infinity(), extra);
+            Render(host, findings, mode, 1, FloatLimits::signaling_NaN(), 0, extra);
         }
-        Render(host, findings, mode, 1, Float::max(), Float::denorm_min(), Float::max());
+        Render(host, findings, mode, 1, FloatLimits::max(), FloatLimits::denorm_min(), FloatLimits::max());
     }
 }
 

@@ -4,12 +4,15 @@
 #include "exports/ForeignHost.h"
 
 #include <cstddef>
+#include <limits>
 #include <ostream>
 #include <span>
 #include <string_view>
 #include <vector>
 
 namespace z3d::test {
+
+using FloatLimits = std::numeric_limits<float>;
 
 // What a scenario found out, appended piece by piece.
 class Findings {

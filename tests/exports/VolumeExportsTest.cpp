@@ -1,5 +1,6 @@
 // Volumes through the DLL: slices, locks, frees.
 #include "exports/ExportedVolume.h"
+#include "exports/HeapUse.h"
 #include "exports/Library.h"
 
 #include <gtest/gtest.h>
@@ -11,8 +12,6 @@
 namespace {
 
 using namespace z3d::test;
-
-UINT LocksOn(const Image2D* image) { return GlobalFlags(image->mem) & GMEM_LOCKCOUNT; }
 
 TEST(VolumeExports, KeepTheLow16BitsOfTheThreeSizes) {
     Volume3D* volume = TheLibrary().GlobalAlloc3D(0x10004, 0x20003, 0x30002, 3);

@@ -1,8 +1,10 @@
 #include "geometry/AngleExtraction.h"
 
 #include "geometry/Bits.h"
+#include "geometry/Orders.h"
 #include "geometry/RotationMatrix.h"
 #include "reference/PlainAngles.h"
+#include "support/SpecialValues.h"
 
 #include <gtest/gtest.h>
 
@@ -18,22 +20,14 @@ using reference::AxisAngles;
 using reference::Matrix;
 using test::BitsOf;
 using test::FromBits;
+using test::kNaN;
+using test::kXYZ;
+using test::kYZX;
+using test::kZXY;
+using test::Rotate;
 using test::SameBits;
 
-using Order = std::array<std::int16_t, 3>;
-
-constexpr Order kXYZ = {0, 1, 2};
-constexpr Order kZXY = {2, 0, 1};
-constexpr Order kYZX = {1, 2, 0};
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr float kUntouched = -777.0f;
-
-Matrix Rotate(const Order& order, float x, float y, float z) {
-    Matrix matrix;
-    CreateRotateMatrix(matrix.data(), order.data(), x, y, z);
-    return matrix;
-}
 
 using Extract = void (*)(const double*, float*, float*, float*);
 

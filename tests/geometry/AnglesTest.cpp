@@ -1,21 +1,20 @@
 #include "geometry/Angles.h"
 
 #include "geometry/Bits.h"
+#include "support/SpecialValues.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
 #include <random>
 
 namespace z3d::geometry {
 namespace {
 
 using test::FromBits;
+using test::kInfinity;
+using test::kNaN;
 using test::SameBits;
-
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(WrapRadians, LeavesBothHalfTurnsWhereTheyAre) {
     EXPECT_TRUE(SameBits(WrapRadians(kHalfTurn), FromBits(0x400921FB54442D11)));

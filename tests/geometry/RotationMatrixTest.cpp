@@ -1,6 +1,7 @@
 #include "geometry/RotationMatrix.h"
 
 #include "geometry/Bits.h"
+#include "geometry/Orders.h"
 #include "geometry/Trigonometry.h"
 #include "reference/PlainRotation.h"
 
@@ -20,21 +21,14 @@ using reference::LargestDifference;
 using reference::Matrix;
 using reference::Product;
 using test::FromBits;
+using test::kXYZ;
+using test::kYZX;
+using test::kZXY;
+using test::Order;
+using test::Rotate;
 using test::SameBits;
 
-using Order = std::array<std::int16_t, 3>;
-
 constexpr Matrix kIdentity = {1, 0, 0, 0, 1, 0, 0, 0, 1};
-constexpr Order kXYZ = {0, 1, 2};
-constexpr Order kZXY = {2, 0, 1};
-constexpr Order kYZX = {1, 2, 0};
-
-Matrix Rotate(const Order& order, float x, float y, float z) {
-    Matrix matrix;
-    matrix.fill(-777.0);
-    CreateRotateMatrix(matrix.data(), order.data(), x, y, z);
-    return matrix;
-}
 
 ::testing::AssertionResult HasBits(const Matrix& got, const std::array<std::uint64_t, 9>& bits) {
     Matrix want;

@@ -3,12 +3,12 @@
 #include "geometry/Bits.h"
 #include "reference/WideTrigonometry.h"
 #include "support/Digest.h"
+#include "support/SpecialValues.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <random>
 
 namespace z3d::geometry {
@@ -19,11 +19,11 @@ using reference::Wide;
 using test::Digest;
 using test::FromBits;
 using test::HexOf;
+using test::kInfinity;
+using test::kNaN;
 using test::SameBits;
 
 constexpr double kRadiansPerDegree = 0.017453292519943278;
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 // The rounding to double costs half an ulp; all that happens before it may cost 0.002 of one.
 constexpr double kAllowedUlp = 0.502;
@@ -187,7 +187,8 @@ TEST(ArcSine, IsAccurateForRandomValues) {
 
 TEST(ArcSine, IsNotANumberOutsideOneEachWay) {
     const double above = std::nextafter(1.0, 2.0);
-    for (const double sine : {above, -above, 2.0, -1e308, kInfinity, -kInfinity, kNaN}) {
+    const double sines[] = {above, -above, 2.0, -1e308, kInfinity, -kInfinity, kNaN};
+    for (const double sine : sines) {
         EXPECT_TRUE(std::isnan(ArcSine(sine))) << sine;
     }
 }

@@ -1,18 +1,17 @@
 #include "primitives/Buffers.h"
 
 #include "support/Refusals.h"
+#include "support/SpecialValues.h"
 
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <limits>
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+using test::kLargestInt;
 
 bool IsAligned(const void* start) { return reinterpret_cast<std::uintptr_t>(start) % 32 == 0; }
 
@@ -66,11 +65,11 @@ TEST(Buffers, VectorsHoldTheirFloatsFromAnAlignedStart) {
 TEST(Buffers, VectorsBelowOneFloatAreNull) {
     EXPECT_EQ(VecMalloc32f(0), nullptr);
     EXPECT_EQ(VecMalloc32f(-5), nullptr);
-    EXPECT_EQ(VecMalloc32f(-kLargest - 1), nullptr);
+    EXPECT_EQ(VecMalloc32f(-kLargestInt - 1), nullptr);
 }
 
 TEST(Buffers, ImagesBelowOnePixelAreNullWithStepZero) {
-    const std::int32_t kSizes[][2] = {{0, 4}, {4, 0}, {-1, 4}, {4, -1}, {-kLargest - 1, -kLargest - 1}};
+    const std::int32_t kSizes[][2] = {{0, 4}, {4, 0}, {-1, 4}, {4, -1}, {-kLargestInt - 1, -kLargestInt - 1}};
     for (const auto& [width, height] : kSizes) {
         std::int32_t steps[4] = {9, 9, 9, 9};
 
@@ -97,14 +96,14 @@ TEST(Buffers, SizesBeyond32BitsAreNullWithStepZero) {
     const std::int64_t before = test::OutstandingInTotal();
 
     EXPECT_EQ(VecMalloc32f(1 << 30), nullptr);
-    EXPECT_EQ(VecMalloc32f(kLargest), nullptr);
-    EXPECT_EQ(ImageMalloc8uC1(kLargest, 1, &steps[0]), nullptr); // its step would be 2^31
-    EXPECT_EQ(ImageMalloc8uC3(kLargest, 1, &steps[1]), nullptr);
+    EXPECT_EQ(VecMalloc32f(kLargestInt), nullptr);
+    EXPECT_EQ(ImageMalloc8uC1(kLargestInt, 1, &steps[0]), nullptr); // its step would be 2^31
+    EXPECT_EQ(ImageMalloc8uC3(kLargestInt, 1, &steps[1]), nullptr);
     EXPECT_EQ(ImageMalloc32fC1(1 << 29, 1, &steps[2]), nullptr);
     EXPECT_EQ(ImageMalloc32fC3(178956971, 1, &steps[3]), nullptr);
     EXPECT_EQ(ImageMalloc8uC1(65536, 65536, &steps[4]), nullptr);
     EXPECT_EQ(ImageMalloc32fC3(65536, 65536, &steps[5]), nullptr);
-    EXPECT_EQ(ImageMalloc32fC3(kLargest, kLargest, &steps[6]), nullptr);
+    EXPECT_EQ(ImageMalloc32fC3(kLargestInt, kLargestInt, &steps[6]), nullptr);
 
     for (const std::int32_t step : steps)
         EXPECT_EQ(step, 0);

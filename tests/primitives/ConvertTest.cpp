@@ -2,21 +2,20 @@
 
 #include "primitives/Regions.h"
 #include "reference/PlainPrimitives.h"
+#include "support/SpecialValues.h"
 
 #include <cmath>
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
+using test::kInfinity;
+using test::kLargestInt;
+using test::kNaN;
 
 std::int32_t Image(float value, std::int32_t mode) {
     const float source[3] = {value, value, value};
@@ -48,7 +47,7 @@ TEST(Convert, RoundsHalfToEvenInModeOne) {
 }
 
 TEST(Convert, TruncatesInEveryOtherMode) {
-    for (const std::int32_t mode : {0, 2, -1, kLargest}) {
+    for (const std::int32_t mode : {0, 2, -1, kLargestInt}) {
         EXPECT_EQ(Image(254.9f, mode), 254);
         EXPECT_EQ(Image(0.99f, mode), 0);
         EXPECT_EQ(Image(255.0f, mode), 255);
@@ -75,13 +74,13 @@ TEST(Convert, ScalesBeyondTheRangeOfFloats) {
     EXPECT_EQ(Vector(1e-45f, 1, -156), 128);
     EXPECT_EQ(Vector(0x1p127f, 1, 120), 128);
     EXPECT_EQ(Vector(0x1p127f, 1, 1074), 0);
-    EXPECT_EQ(Vector(1.0f, 1, kLargest), 0);
-    EXPECT_EQ(Vector(kInfinity, 1, kLargest), 0); // infinity times zero is not a number
+    EXPECT_EQ(Vector(1.0f, 1, kLargestInt), 0);
+    EXPECT_EQ(Vector(kInfinity, 1, kLargestInt), 0); // infinity times zero is not a number
     EXPECT_EQ(Vector(kInfinity, 1, 1074), 255);
-    EXPECT_EQ(Vector(1e-45f, 1, -kLargest - 1), 255);
+    EXPECT_EQ(Vector(1e-45f, 1, -kLargestInt - 1), 255);
     EXPECT_EQ(Vector(0.0f, 1, -1023), 0);
-    EXPECT_EQ(Vector(0.0f, 1, -kLargest), 0);
-    EXPECT_EQ(Vector(-1.0f, 1, -kLargest), 0);
+    EXPECT_EQ(Vector(0.0f, 1, -kLargestInt), 0);
+    EXPECT_EQ(Vector(-1.0f, 1, -kLargestInt), 0);
 }
 
 TEST(Convert, ChecksPointersThenSizeThenSteps) {
@@ -91,14 +90,14 @@ TEST(Convert, ChecksPointersThenSizeThenSteps) {
     EXPECT_EQ(VecConvert32f8uSfs(nullptr, destination, 0, 1, 0), StatusNullPointer);
     EXPECT_EQ(VecConvert32f8uSfs(source, nullptr, 0, 1, 0), StatusNullPointer);
     EXPECT_EQ(VecConvert32f8uSfs(source, destination, 0, 1, 0), StatusSizeError);
-    EXPECT_EQ(VecConvert32f8uSfs(source, destination, kLargest, 1, 0), StatusSizeError);
+    EXPECT_EQ(VecConvert32f8uSfs(source, destination, kLargestInt, 1, 0), StatusSizeError);
     EXPECT_EQ(Convert32f8uC3(nullptr, 0, destination, 0, 0, 0, 1), StatusNullPointer);
     EXPECT_EQ(Convert32f8uC3(source, 0, nullptr, 0, 0, 0, 1), StatusNullPointer);
     EXPECT_EQ(Convert32f8uC3(source, 0, destination, 0, 0, 1, 1), StatusSizeError);
     EXPECT_EQ(Convert32f8uC3(source, 0, destination, 0, 1, 0, 1), StatusSizeError);
     EXPECT_EQ(Convert32f8uC3(source, 0, destination, 1, 1, 1, 1), StatusStepError);
-    EXPECT_EQ(Convert32f8uC3(source, 1, destination, 0, kLargest, 1, 1), StatusStepError);
-    EXPECT_EQ(Convert32f8uC3(source, 1, destination, 1, kLargest, 1, 1), StatusSizeError);
+    EXPECT_EQ(Convert32f8uC3(source, 1, destination, 0, kLargestInt, 1, 1), StatusStepError);
+    EXPECT_EQ(Convert32f8uC3(source, 1, destination, 1, kLargestInt, 1, 1), StatusSizeError);
 
     for (const std::uint8_t byte : destination)
         EXPECT_EQ(byte, 7);

@@ -2,6 +2,7 @@
 
 #include "primitives/Regions.h"
 #include "reference/PlainPrimitives.h"
+#include "support/SpecialValues.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -12,8 +13,8 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
+using test::kLargestInt;
 
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
 constexpr float kThirds[3] = {1.0f / 3.0f, 1.0f / 3.0f, 1.0f / 3.0f};
 
 std::int32_t Grey(std::uint8_t red, std::uint8_t green, std::uint8_t blue, const float* weights) {
@@ -73,8 +74,8 @@ TEST(Grey, ChecksPointersThenSizeThenSteps) {
     EXPECT_EQ(ColorToGray8uC3C1(pixel, 0, &grey, 0, 0, 1, nullptr), StatusSizeError);
     EXPECT_EQ(ColorToGray8uC3C1(pixel, 0, &grey, 0, 1, 0, nullptr), StatusSizeError);
     EXPECT_EQ(ColorToGray8uC3C1(pixel, 0, &grey, 1, 1, 1, nullptr), StatusStepError);
-    EXPECT_EQ(ColorToGray8uC3C1(pixel, 1, &grey, 0, kLargest, 1, nullptr), StatusStepError);
-    EXPECT_EQ(ColorToGray8uC3C1(pixel, 1, &grey, 1, kLargest, 1, nullptr), StatusSizeError);
+    EXPECT_EQ(ColorToGray8uC3C1(pixel, 1, &grey, 0, kLargestInt, 1, nullptr), StatusStepError);
+    EXPECT_EQ(ColorToGray8uC3C1(pixel, 1, &grey, 1, kLargestInt, 1, nullptr), StatusSizeError);
 
     EXPECT_EQ(grey, 7);
 }

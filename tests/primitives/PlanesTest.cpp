@@ -2,18 +2,17 @@
 
 #include "primitives/Regions.h"
 #include "reference/PlainPrimitives.h"
+#include "support/SpecialValues.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+using test::kLargestInt;
 
 TEST(Planes, InterleavesThreeConstantsAcrossEveryRow) {
     const std::vector<std::uint8_t> ones(50, 1), twos(50, 2), threes(50, 3);
@@ -62,7 +61,7 @@ TEST(Planes, MovesFloatsOfEveryKindUnchanged) {
 }
 
 template <class T, class Copy>
-void ExpectChecksInOrder(Copy copy) {
+void ExpectCopyChecksInOrder(Copy copy) {
     const T plane = 1;
     T pixel[3] = {7, 7, 7};
     const T* planes[] = {&plane, &plane, &plane};
@@ -77,15 +76,15 @@ void ExpectChecksInOrder(Copy copy) {
     EXPECT_EQ(copy(planes, 0, pixel, 0, 1, 0), StatusSizeError);
     EXPECT_EQ(copy(planes, 0, pixel, 1, 1, 1), StatusStepError);
     EXPECT_EQ(copy(planes, 1, pixel, 0, 1, 1), StatusStepError);
-    EXPECT_EQ(copy(planes, 1, pixel, 0, kLargest, 1), StatusStepError);
-    EXPECT_EQ(copy(planes, 1, pixel, 1, kLargest, 1), StatusSizeError); // a row beyond 4 GiB
+    EXPECT_EQ(copy(planes, 1, pixel, 0, kLargestInt, 1), StatusStepError);
+    EXPECT_EQ(copy(planes, 1, pixel, 1, kLargestInt, 1), StatusSizeError); // a row beyond 4 GiB
     for (const T sample : pixel)
         EXPECT_EQ(sample, 7);
 }
 
 TEST(Planes, CheckPointersThenSizeThenSteps) {
-    ExpectChecksInOrder<std::uint8_t>(CopyPlanes8uP3C3);
-    ExpectChecksInOrder<float>(CopyPlanes32fP3C3);
+    ExpectCopyChecksInOrder<std::uint8_t>(CopyPlanes8uP3C3);
+    ExpectCopyChecksInOrder<float>(CopyPlanes32fP3C3);
 }
 
 // Dense regions are one case in a few of these by the choice of steps.

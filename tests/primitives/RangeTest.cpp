@@ -2,18 +2,17 @@
 
 #include "primitives/Regions.h"
 #include "reference/PlainPrimitives.h"
+#include "support/SpecialValues.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+using test::kLargestInt;
 
 TEST(MinMax, OfOnePixelIsThatPixelTwice) {
     const std::uint8_t pixel = 42;
@@ -33,9 +32,9 @@ TEST(MinMax, StopsAfterTheRowThatCompletesTheRange) {
         row[width / 2 - 1] = 255;
         std::uint8_t smallest = 9, largest = 9;
 
-        EXPECT_EQ(
-            MinMax8uC1(row.data(), kLargest, static_cast<std::int32_t>(width), kLargest, &smallest, &largest),
-            StatusNoError);
+        EXPECT_EQ(MinMax8uC1(row.data(), kLargestInt, static_cast<std::int32_t>(width), kLargestInt,
+                             &smallest, &largest),
+                  StatusNoError);
 
         EXPECT_EQ(smallest, 0);
         EXPECT_EQ(largest, 255);
@@ -142,7 +141,7 @@ TEST(VectorRange, TheSmallestStartsAgainAfterEachNaN) {
 TEST(VectorRange, ChecksPointersThenLength) {
     const float element = 1.0f;
     float out = 7.0f;
-    for (const std::int32_t length : {0, -1, -kLargest - 1, 1 << 30, kLargest}) {
+    for (const std::int32_t length : {0, -1, -kLargestInt - 1, 1 << 30, kLargestInt}) {
         EXPECT_EQ(VecMax32f(nullptr, length, &out), StatusNullPointer);
         EXPECT_EQ(VecMax32f(&element, length, nullptr), StatusNullPointer);
         EXPECT_EQ(VecMax32f(&element, length, &out), StatusSizeError);

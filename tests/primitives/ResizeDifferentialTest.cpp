@@ -5,6 +5,7 @@
 #include "reference/PlainPrimitives.h"
 #include "support/GuardedBytes.h"
 #include "support/OnEachInstructionSet.h"
+#include "support/SpecialValues.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -17,8 +18,8 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+using test::kInfinity;
+using test::kLargestInt;
 
 class ResizeAgainstPlain : public test::OnEachInstructionSet {};
 Z3D_ON_EACH_INSTRUCTION_SET(ResizeAgainstPlain);
@@ -154,7 +155,7 @@ Geometry AnyGeometry(test::Random& random) {
     g.from = {random.Length(), random.Between(1, 12)};
     g.to = {random.Length(), random.Between(1, 12)};
     const auto length = [&](std::int32_t source) {
-        return random.OneIn(5) ? kLargest : random.Between(1, source + 3);
+        return random.OneIn(5) ? kLargestInt : random.Between(1, source + 3);
     };
     g.rectangle = {random.Between(0, g.from.width), random.Between(0, g.from.height), length(g.from.width),
                    length(g.from.height)};
@@ -196,7 +197,6 @@ TEST_P(ResizeAgainstPlain, OfFloatsWithHostileRectanglesAndFactors) {
 
 // Infinities, and NaNs all of one pattern, which every order of the operands carries on alike.
 TEST_P(ResizeAgainstPlain, OfFloatsThatAreNotFinite) {
-    constexpr float kInfinity = std::numeric_limits<float>::infinity();
     for (std::uint32_t seed = 1; seed <= 500; ++seed) {
         test::Random random(seed);
         const bool nans = random.OneIn(2);

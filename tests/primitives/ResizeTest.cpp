@@ -2,6 +2,7 @@
 
 #include "primitives/Regions.h"
 #include "support/Refusals.h"
+#include "support/SpecialValues.h"
 
 #include <cmath>
 #include <cstdint>
@@ -13,10 +14,9 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+using test::kInfinity;
+using test::kLargestInt;
+using test::kNaN;
 
 using Bytes = std::vector<std::uint8_t>;
 using Floats = std::vector<float>;
@@ -207,7 +207,7 @@ TEST(Resize, StaysWithinAWideSourceWhenTheExtentIsJustShort) {
     source[kWidth - 1] = 200;
     Bytes destination(3, 99);
 
-    EXPECT_EQ(Resize8uC1(source.data(), {kWidth, 2}, 1, {0, 0, kLargest, 1}, destination.data(), 3, {3, 1},
+    EXPECT_EQ(Resize8uC1(source.data(), {kWidth, 2}, 1, {0, 0, kLargestInt, 1}, destination.data(), 3, {3, 1},
                          1.99999995 / kWidth, 1.0, 2),
               StatusNoError);
 
@@ -227,7 +227,7 @@ TEST(Resize, CountsFloatStepsInWholeFloats) {
 
 TEST(Resize, AcceptsHugeFactors) {
     const Bytes source = {10, 20, 30, 40};
-    for (const double factor : {1e10, 1e300, kInfinity, std::numeric_limits<double>::max()}) {
+    for (const double factor : {1e10, 1e300, double{kInfinity}, std::numeric_limits<double>::max()}) {
         Bytes destination(9, 99);
 
         EXPECT_EQ(Resize8uC1(source.data(), {2, 2}, 2, {0, 0, 2, 2}, destination.data(), 3, {3, 3}, factor,
@@ -279,7 +279,7 @@ struct Call {
 
 // From the last check to the first, every fault is added to the ones before, and decides.
 template <class T, class Resize>
-void ExpectChecksInOrder(Resize resize) {
+void ExpectResizeChecksInOrder(Resize resize) {
     const std::vector<T> source(9, 1);
     std::vector<T> destination(9, 99);
     Call<T> call{.source = source.data(), .destination = destination.data()};
@@ -294,7 +294,7 @@ void ExpectChecksInOrder(Resize resize) {
     expect([](auto& c) { c.xFactor = kNaN; }, StatusFactorError);
     expect([](auto& c) { c.xFactor = 1.0, c.yFactor = kNaN; }, StatusFactorError);
     expect([](auto& c) { c.rectangle.y = 3; }, StatusNoOverlap);
-    expect([](auto& c) { c.rectangle.y = 0, c.rectangle.x = kLargest; }, StatusNoOverlap);
+    expect([](auto& c) { c.rectangle.y = 0, c.rectangle.x = kLargestInt; }, StatusNoOverlap);
     expect([](auto& c) { c.destinationSize.height = 0; }, StatusSizeError);
     expect([](auto& c) { c.destinationSize = {-1, 3}; }, StatusSizeError);
     expect([](auto& c) { c.destinationStep = 0; }, StatusStepError);
@@ -307,15 +307,15 @@ void ExpectChecksInOrder(Resize resize) {
 }
 
 TEST(Resize, ChecksItsArgumentsInOrder) {
-    ExpectChecksInOrder<std::uint8_t>(Resize8uC1);
-    ExpectChecksInOrder<float>(Resize32fC1);
+    ExpectResizeChecksInOrder<std::uint8_t>(Resize8uC1);
+    ExpectResizeChecksInOrder<float>(Resize32fC1);
 }
 
 TEST(Resize, RefusesRectanglesWithoutAPlaceOrSize) {
     const Bytes source(9, 1);
     Bytes destination(9, 99);
     const ImageRect kRectangles[] = {{-1, 0, 3, 3}, {0, -1, 3, 3}, {0, 0, 0, 3},
-                                     {0, 0, 3, 0},  {0, 0, -3, 3}, {-kLargest - 1, 5, 3, 3},
+                                     {0, 0, 3, 0},  {0, 0, -3, 3}, {-kLargestInt - 1, 5, 3, 3},
                                      {5, 5, 0, 3}};
     for (const ImageRect& rectangle : kRectangles) {
         Call<std::uint8_t> call{

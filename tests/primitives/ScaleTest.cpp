@@ -2,6 +2,7 @@
 
 #include "primitives/Regions.h"
 #include "reference/PlainPrimitives.h"
+#include "support/SpecialValues.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -12,10 +13,9 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
+using test::kInfinity;
+using test::kLargestInt;
+using test::kNaN;
 
 std::int32_t ToByte(float value, float vMin, float vMax) {
     const float source[3] = {value, value, value};
@@ -111,8 +111,8 @@ void ExpectChecksInOrder(Scale scale) {
     EXPECT_EQ(call(source, 0, destination, 0, 0, 1), StatusSizeError);
     EXPECT_EQ(call(source, 0, destination, 0, 1, -3), StatusSizeError);
     EXPECT_EQ(call(source, 0, destination, 1, 1, 1), StatusStepError);
-    EXPECT_EQ(call(source, 1, destination, -4, kLargest, 1), StatusStepError);
-    EXPECT_EQ(call(source, 1, destination, 1, kLargest, 1), StatusSizeError);
+    EXPECT_EQ(call(source, 1, destination, -4, kLargestInt, 1), StatusStepError);
+    EXPECT_EQ(call(source, 1, destination, 1, kLargestInt, 1), StatusSizeError);
     for (const Destination sample : destination)
         EXPECT_EQ(sample, 7);
 }

@@ -4,13 +4,13 @@
 #include "support/GuardedBytes.h"
 #include "support/OnEachInstructionSet.h"
 #include "support/RandomSource.h"
+#include "support/SpecialValues.h"
 #include "support/Stacks.h"
 
 #include <gtest/gtest.h>
 
 #include <bit>
 #include <cmath>
-#include <limits>
 #include <vector>
 
 namespace {
@@ -21,9 +21,6 @@ using primitives::ValueRange;
 
 class ValueRangeTest : public OnEachInstructionSet {};
 Z3D_ON_EACH_INSTRUCTION_SET(ValueRangeTest);
-
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
 std::uint32_t Bits(float value) { return std::bit_cast<std::uint32_t>(value); }
 

@@ -2,21 +2,20 @@
 
 #include "primitives/Regions.h"
 #include "reference/PlainPrimitives.h"
+#include "support/SpecialValues.h"
 
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <limits>
 #include <vector>
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::primitives;
-
-constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
+using test::kInfinity;
+using test::kLargestInt;
+using test::kNaN;
 
 std::vector<float> OfBits(const std::vector<std::uint32_t>& bits) {
     std::vector<float> values(bits.size());
@@ -112,7 +111,7 @@ TEST(Vector, CopiesBits) {
 
 TEST(Vector, ChecksPointersThenLength) {
     float data = 7.0f, other = 8.0f;
-    for (const std::int32_t length : {0, -1, -kLargest - 1, 1 << 30, kLargest}) {
+    for (const std::int32_t length : {0, -1, -kLargestInt - 1, 1 << 30, kLargestInt}) {
         EXPECT_EQ(VecCopy32f(nullptr, &data, length), StatusNullPointer);
         EXPECT_EQ(VecCopy32f(&data, nullptr, length), StatusNullPointer);
         EXPECT_EQ(VecCopy32f(&other, &data, length), StatusSizeError);

@@ -1,13 +1,12 @@
 #include "render/RenderExamples.h"
 
-#include <limits>
+#include "support/SpecialValues.h"
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::test;
 
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 // With this transparency a voxel of 16 (in colour 16 in each channel) is blended to exactly the initial value.
 constexpr float kToInitialGrey = 0x1.fdfffcp127f;
 constexpr float kToInitialColour = 0x1.fdfffep127f;
@@ -73,16 +72,16 @@ TEST_P(RenderExamples, BlendSkipsNothingAtANaNBound) {
     const reference::Volume volume = GreyColumn({200});
 
     EXPECT_TRUE(
-        HasGreyPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNan, kNan)), {156.86276245117188f}));
-    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNan, 199)), {kSentinel}));
-    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(Blend(volume, 0.0f), 201, kNan)), {kSentinel}));
+        HasGreyPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNaN, kNaN)), {156.86276245117188f}));
+    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNaN, 199)), {kSentinel}));
+    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(Blend(volume, 0.0f), 201, kNaN)), {kSentinel}));
 }
 
 TEST_P(RenderExamples, BlendInColourSkipsNothingAtANaNBound) {
     const reference::Volume volume = ColourColumn({{255, 255, 255}});
 
-    EXPECT_TRUE(HasPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNan, kNan)), {255, 255, 255}));
-    EXPECT_TRUE(HasPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNan, 764)),
+    EXPECT_TRUE(HasPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNaN, kNaN)), {255, 255, 255}));
+    EXPECT_TRUE(HasPixels(Render(volume, WithWindow(Blend(volume, 0.0f), kNaN, 764)),
                           {kSentinel, kSentinel, kSentinel}));
 }
 

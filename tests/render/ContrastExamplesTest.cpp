@@ -1,13 +1,11 @@
 #include "render/RenderExamples.h"
 
-#include <limits>
+#include "support/SpecialValues.h"
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::test;
-
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 
 reference::Request Contrast(const reference::Volume& volume, float low, float high) {
     return WithWindow(PlainRequest(volume, RenderModeContrast), low, high);
@@ -156,8 +154,8 @@ TEST_P(RenderExamples, ContrastOfBlackIsEmpty) {
 TEST_P(RenderExamples, ContrastOfANaNWindowIsEmpty) {
     const reference::Volume volume = CrossVolume();
 
-    EXPECT_TRUE(HasGreyPixels(Render(volume, Contrast(volume, kNan, 200)), MiddleGrey(kSentinel)));
-    EXPECT_TRUE(HasGreyPixels(Render(volume, Contrast(volume, 30, kNan)), MiddleGrey(kSentinel)));
+    EXPECT_TRUE(HasGreyPixels(Render(volume, Contrast(volume, kNaN, 200)), MiddleGrey(kSentinel)));
+    EXPECT_TRUE(HasGreyPixels(Render(volume, Contrast(volume, 30, kNaN)), MiddleGrey(kSentinel)));
 }
 
 } // namespace

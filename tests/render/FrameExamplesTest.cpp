@@ -9,7 +9,6 @@ using namespace z3d;
 using namespace z3d::test;
 
 constexpr Rotation kQuarterAboutZ = {0, -1, 0, 1, 0, 0, 0, 0, 1};
-constexpr Rotation kQuarterAboutY = {0, 0, 1, 0, 1, 0, -1, 0, 0};
 
 constexpr Rotation Scaling(float x, float y, float z) { return {x, 0, 0, 0, y, 0, 0, 0, z}; }
 

@@ -1,13 +1,12 @@
 #include "render/RenderExamples.h"
 
-#include <limits>
+#include "support/SpecialValues.h"
 
 namespace {
 
 using namespace z3d;
 using namespace z3d::test;
 
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kMinimumSentinel = 3.4028234663852886e38f;
 
 TEST_P(RenderExamples, MinimumOfZerosIsZeroWhereTheRayMeetsTheBox) {
@@ -24,9 +23,9 @@ TEST_P(RenderExamples, MinimumOutsideTheWindowKeepsTheSentinel) {
 
     EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(PlainRequest(volume, RenderModeMinimum), 1, 255)),
                               {kMinimumSentinel}));
-    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(PlainRequest(volume, RenderModeMinimum), kNan, 255)),
+    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(PlainRequest(volume, RenderModeMinimum), kNaN, 255)),
                               {kMinimumSentinel}));
-    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(PlainRequest(volume, RenderModeMinimum), 0, kNan)),
+    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(PlainRequest(volume, RenderModeMinimum), 0, kNaN)),
                               {kMinimumSentinel}));
 }
 
@@ -97,7 +96,7 @@ TEST_P(RenderExamples, SumInColourTestsTheWindowOnTheSum) {
 TEST_P(RenderExamples, SumOfANaNWindowIsEmpty) {
     const reference::Volume volume = GreyColumn({1, 2});
 
-    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(PlainRequest(volume, RenderModeSum), kNan, kNan)),
+    EXPECT_TRUE(HasGreyPixels(Render(volume, WithWindow(PlainRequest(volume, RenderModeSum), kNaN, kNaN)),
                               {kSentinel}));
 }
 

@@ -40,6 +40,8 @@ protected:
 // What the pixels without a contribution hold.
 inline constexpr float kSentinel = -3.4028234663852886e38f;
 
+inline constexpr Rotation kQuarterAboutY = {0, 0, 1, 0, 1, 0, -1, 0, 0};
+
 // Voxels of one byte, in the order of storage: x fastest, then y, then z.
 reference::Volume GreyVolume(int width, int height, int depth, std::initializer_list<int> voxels);
 // A column of voxels along z, one of them per slice of 1 x 1, so that a plain view walks them in order.

@@ -21,7 +21,7 @@ namespace {
 using namespace z3d;
 using namespace z3d::test;
 
-constexpr float kIdentityRotation[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
+constexpr float kUnturned[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
 constexpr render::CropBox kWhole = {0, 3, 0, 2, 0, 1};
 constexpr render::RenderArguments kEverything = {255, 0, 0};
 
@@ -30,7 +30,7 @@ struct Size {
     std::uint16_t height = 0xAAAA;
 };
 
-float* Render(::Volume3D* volume, Size& size, const float* rotation = kIdentityRotation,
+float* Render(::Volume3D* volume, Size& size, const float* rotation = kUnturned,
               std::int16_t mode = RenderModeMaximum) {
     return render::GetRotProjection(volume, rotation, mode, kWhole, kEverything, &size.width, &size.height,
                                     0);
@@ -49,7 +49,7 @@ TEST(RotProjection, StoresTheSizeAndReturnsNullForUnknownModes) {
     const HostVolume volume(4, 3, 2, 1);
     for (const short mode : kUnknownModes) {
         Size size;
-        EXPECT_EQ(Render(volume.Get(), size, kIdentityRotation, mode), nullptr);
+        EXPECT_EQ(Render(volume.Get(), size, kUnturned, mode), nullptr);
         EXPECT_EQ(size.width, 4);
         EXPECT_EQ(size.height, 3);
     }
@@ -60,8 +60,8 @@ TEST(RotProjection, LeavesTheLockStateAloneForUnknownModesAndSizes) {
     frame::GlobalLock3D(volume.Get());
 
     Size size;
-    Render(volume.Get(), size, kIdentityRotation, kUnknownModes[0]);
-    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, &size.width, &size.height, 0);
+    Render(volume.Get(), size, kUnturned, kUnknownModes[0]);
+    render::GetRotDim(volume.Get(), kUnturned, kWhole, &size.width, &size.height, 0);
 
     EXPECT_NE(volume->sliceRows, nullptr);
 }
@@ -91,17 +91,17 @@ TEST(RotProjection, UnlocksTheVolumeAlsoWhenTheRotationIsNull) {
     EXPECT_EQ(size.height, 0);
 }
 
-TEST(RotProjection, RefusesANullVolume) { ExpectRefused(nullptr, kIdentityRotation, {0, 0}); }
+TEST(RotProjection, RefusesANullVolume) { ExpectRefused(nullptr, kUnturned, {0, 0}); }
 
 TEST(RotProjection, RefusesANullSizePointerButStoresTheOther) {
     const HostVolume volume(4, 3, 2, 1);
     Size size;
 
-    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, RenderModeMaximum, kWhole,
-                                       kEverything, nullptr, &size.height, 0),
+    EXPECT_EQ(render::GetRotProjection(volume.Get(), kUnturned, RenderModeMaximum, kWhole, kEverything,
+                                       nullptr, &size.height, 0),
               nullptr);
-    EXPECT_EQ(render::GetRotProjection(volume.Get(), kIdentityRotation, RenderModeMaximum, kWhole,
-                                       kEverything, &size.width, nullptr, 0),
+    EXPECT_EQ(render::GetRotProjection(volume.Get(), kUnturned, RenderModeMaximum, kWhole, kEverything,
+                                       &size.width, nullptr, 0),
               nullptr);
 
     EXPECT_EQ(size.width, 4);
@@ -159,7 +159,7 @@ TEST(RotProjection, RefusesAMissingSlice) {
     for (std::size_t z = 0; z < 2; ++z) {
         ::Image2D* slice = volume->slices[z];
         volume->slices[z] = nullptr;
-        ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+        ExpectRefused(volume.Get(), kUnturned, {4, 3});
         EXPECT_EQ(volume->sliceRows, nullptr);
         volume->slices[z] = slice;
     }
@@ -167,7 +167,7 @@ TEST(RotProjection, RefusesAMissingSlice) {
 
 TEST(RotProjection, RefusesAVolumeWithoutSlices) {
     const HostVolume volume(4, 3, 2, 0);
-    ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+    ExpectRefused(volume.Get(), kUnturned, {4, 3});
 }
 
 TEST(RotProjection, RefusesASliceOfAnotherSize) {
@@ -175,7 +175,7 @@ TEST(RotProjection, RefusesASliceOfAnotherSize) {
     ::Image2D* slice = volume->slices[1];
     for (::Image2D* other : {frame::GlobalAlloc2D(3, 3, 1), frame::GlobalAlloc2D(4, 2, 1)}) {
         volume->slices[1] = other;
-        ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+        ExpectRefused(volume.Get(), kUnturned, {4, 3});
         frame::GlobalFree2D(other);
     }
     volume->slices[1] = slice;
@@ -187,7 +187,7 @@ TEST(RotProjection, RefusesASliceThatIsTooSmallForTheFirstOnesFormat) {
         const HostVolume volume(4, 3, 2, 3);
         frame::GlobalFree2D(volume->slices[1]);
         volume->slices[1] = frame::GlobalAlloc2D(4, 3, bytes);
-        ExpectRefused(volume.Get(), kIdentityRotation, {4, 3});
+        ExpectRefused(volume.Get(), kUnturned, {4, 3});
     }
 }
 
@@ -204,7 +204,7 @@ TEST(RotProjection, RefusesASliceWhoseBytesDoNotFit32Bits) {
     // 4096 * 4096 * 257 wraps to 2^24 bytes: the block is smaller than its rows say.
     volume->slices[0] = frame::GlobalAlloc2D(4096, 4096, 257);
     ASSERT_NE(volume->slices[0], nullptr);
-    ExpectRefused(volume.Get(), kIdentityRotation, {4096, 4096});
+    ExpectRefused(volume.Get(), kUnturned, {4096, 4096});
 }
 
 TEST(RotProjection, RefusesAVolumeWithADimensionOf0) {
@@ -236,7 +236,7 @@ TEST(RotProjection, EndsInNullOrInTheSameImageWhateverIsRefused) {
             std::vector<float> expected;
             ForEveryRefusal([&](bool refused) {
                 Size size;
-                float* pixels = Render(volume.Get(), size, kIdentityRotation, mode);
+                float* pixels = Render(volume.Get(), size, kUnturned, mode);
                 if (!refused) expected.assign(pixels, pixels + 9 * 8 * 3);
                 if (pixels != nullptr) {
                     EXPECT_EQ(std::memcmp(pixels, expected.data(), 9 * 8 * 3 * sizeof(float)), 0);
@@ -256,7 +256,7 @@ TEST(RotDim, StoresNoSizeWhenMemoryIsShort) {
     Size size;
 
     RefuseRequest(0);
-    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, &size.width, &size.height, 0);
+    render::GetRotDim(volume.Get(), kUnturned, kWhole, &size.width, &size.height, 0);
     RefuseNothing();
 
     EXPECT_EQ(size.width, 0);
@@ -267,8 +267,8 @@ TEST(RotDim, SkipsNullSizePointers) {
     const HostVolume volume(4, 3, 2, 1);
     Size size;
 
-    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, nullptr, &size.height, 0);
-    render::GetRotDim(volume.Get(), kIdentityRotation, kWhole, &size.width, nullptr, 0);
+    render::GetRotDim(volume.Get(), kUnturned, kWhole, nullptr, &size.height, 0);
+    render::GetRotDim(volume.Get(), kUnturned, kWhole, &size.width, nullptr, 0);
     render::GetRotDim(nullptr, nullptr, kWhole, nullptr, nullptr, 0);
 
     EXPECT_EQ(size.width, 4);
@@ -281,7 +281,7 @@ TEST(RotProjection, LeaksNothingOverManyRounds) {
 
     for (std::size_t round = 0; round < 100'000; ++round) {
         Size size;
-        FreeProjection(Render(volume.Get(), size, kIdentityRotation, kRenderModes[round % kRenderModeCount]));
+        FreeProjection(Render(volume.Get(), size, kUnturned, kRenderModes[round % kRenderModeCount]));
     }
 
     EXPECT_EQ(OutstandingInTotal(), before);

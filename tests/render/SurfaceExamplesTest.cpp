@@ -1,5 +1,7 @@
 #include "render/RenderExamples.h"
 
+#include "support/SpecialValues.h"
+
 #include <cmath>
 #include <limits>
 
@@ -7,10 +9,6 @@ namespace {
 
 using namespace z3d;
 using namespace z3d::test;
-
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
-constexpr Rotation kQuarterAboutY = {0, 0, 1, 0, 1, 0, -1, 0, 0};
 
 reference::Request Surface(const reference::Volume& volume, float low, float high, float extra = 0.0f) {
     return WithExtra(WithWindow(PlainRequest(volume, RenderModeSurface), low, high), extra);
@@ -87,8 +85,8 @@ TEST_P(RenderExamples, SurfaceWindowExcludesItsEnds) {
 TEST_P(RenderExamples, SurfaceOfANaNWindowIsEmptyAndOfAnInfiniteOneIsNot) {
     const reference::Volume volume = SlopedVolume(0, 20);
 
-    EXPECT_TRUE(HasGreyPixels(Render(volume, Surface(volume, kNan, 255)), AllPixels(9, 0.0f)));
-    EXPECT_TRUE(HasGreyPixels(Render(volume, Surface(volume, 0, kNan)), AllPixels(9, 0.0f)));
+    EXPECT_TRUE(HasGreyPixels(Render(volume, Surface(volume, kNaN, 255)), AllPixels(9, 0.0f)));
+    EXPECT_TRUE(HasGreyPixels(Render(volume, Surface(volume, 0, kNaN)), AllPixels(9, 0.0f)));
     EXPECT_TRUE(HasGreyPixels(Render(volume, Surface(volume, -kInfinity, kInfinity)), AllPixels(9, 1.0f)));
 }
 
@@ -163,7 +161,7 @@ TEST_P(RenderExamples, OneLayerCountsOnceHoweverThick) {
 TEST_P(RenderExamples, ZeroAndNaNAttenuationSelectTheFirstSurface) {
     const reference::Volume volume = ThreeLayers();
 
-    for (const float extra : {0.0f, -0.0f, kNan, -kNan}) {
+    for (const float extra : {0.0f, -0.0f, kNaN, -kNaN}) {
         EXPECT_TRUE(HasGreyPixels(Render(volume, Surface(volume, 100, 255, extra)), AllPixels(9, 1.0f)));
     }
 }

@@ -24,7 +24,7 @@ int BorderIndex(RandomSource& random, int side) {
 }
 
 // Rays along the axis, exactly or nearly, or any view at all.
-Rotation RandomView(RandomSource& random, int axis) {
+Rotation RandomViewAlong(RandomSource& random, int axis) {
     const DoubleMatrix along = LookingAlong(axis, random.Chance(2));
     if (random.Chance(3)) return Rounded(along);
     if (random.Chance(3)) return RandomRotation(random, RotationKind::Uniform);
@@ -41,7 +41,7 @@ void SeeVoxels(Visit& visit, const VolumeSize& size, int axis, const Scene& scen
         SetVoxel(volume, BorderIndex(random, size.width), BorderIndex(random, size.height),
                  BorderIndex(random, size.depth), scene.voxel);
         visit.Show(std::move(volume));
-        const Rotation view = RandomView(random, axis);
+        const Rotation view = RandomViewAlong(random, axis);
         visit.See(visit.View(view));
         // The window accepts nothing else.
         const auto value = static_cast<float>(ValueOf(scene.voxel, visit.BytesPerVoxel()));
@@ -151,13 +151,13 @@ reference::Volume Plateaus(const VolumeSize& size, int cell, const std::vector<i
     return volume;
 }
 
-Rotation RandomView(RandomSource& random) {
+Rotation RandomViewAlong(RandomSource& random) {
     return RandomRotation(random, static_cast<RotationKind>(random.Below(kRotationKinds - 1)));
 }
 
 void SeeThrough(Visit& visit, RandomSource& random, const std::vector<Window>& windows) {
     for (const Window& window : windows) {
-        visit.See(visit.View(RandomView(random), window.low, window.high));
+        visit.See(visit.View(RandomViewAlong(random), window.low, window.high));
     }
 }
 

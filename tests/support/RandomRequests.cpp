@@ -1,16 +1,14 @@
 #include "support/RandomRequests.h"
 
+#include "support/SpecialValues.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstdio>
-#include <limits>
 
 namespace z3d::test {
 
 namespace {
-
-constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
-constexpr float kInfinity = std::numeric_limits<float>::infinity();
 
 struct Interval {
     int first;
@@ -81,8 +79,8 @@ Window RandomWindow(RandomSource& random, WindowKind kind, int largestValue) {
     case WindowKind::Fractional:
         return {AsFloat(std::max(a, b)) + 0.5f, AsFloat(std::min(a, b)) - 0.25f};
     case WindowKind::NotANumber:
-        return random.Chance(3) ? Window{kNan, kNan}
-                                : (random.Chance(2) ? Window{kNan, AsFloat(a)} : Window{AsFloat(a), kNan});
+        return random.Chance(3) ? Window{kNaN, kNaN}
+                                : (random.Chance(2) ? Window{kNaN, AsFloat(a)} : Window{AsFloat(a), kNaN});
     case WindowKind::Infinite:
         return random.Chance(3)
                    ? Window{-kInfinity, kInfinity}
@@ -96,7 +94,7 @@ Window RandomWindow(RandomSource& random, WindowKind kind, int largestValue) {
 }
 
 std::uint32_t RandomExtra(RandomSource& random) {
-    static constexpr std::array<float, 15> kExtras = {0.0f,  -0.0f,          kNan,  1.0f,      0.99999994f,
+    static constexpr std::array<float, 15> kExtras = {0.0f,  -0.0f,          kNaN,  1.0f,      0.99999994f,
                                                       0.5f,  0.95f,          -1.0f, -0.25f,    1.5f,
                                                       10.0f, 1.4012985e-45f, 0.1f,  kInfinity, -kInfinity};
     const int choice = random.Below(24);

@@ -15,6 +15,13 @@ std::size_t SliceBytes(const reference::Volume& stack) {
            * static_cast<std::size_t>(stack.bytesPerVoxel);
 }
 
+reference::Volume StackOf(int width, int height, int depth, int bytesPerVoxel,
+                          std::vector<std::uint8_t> samples) {
+    reference::Volume stack = {width, height, depth, bytesPerVoxel, std::move(samples)};
+    EXPECT_EQ(stack.voxels.size(), SliceBytes(stack) * static_cast<std::size_t>(depth));
+    return stack;
+}
+
 bool AreBothNaN(const std::uint8_t* a, const std::uint8_t* b) {
     float floatA;
     float floatB;
@@ -61,9 +68,11 @@ bool AreBothNaN(const std::uint8_t* a, const std::uint8_t* b) {
 } // namespace
 
 reference::Volume ByteStack(int width, int height, int depth, std::vector<std::uint8_t> samples) {
-    reference::Volume stack = {width, height, depth, 1, std::move(samples)};
-    EXPECT_EQ(stack.voxels.size(), SliceBytes(stack) * static_cast<std::size_t>(depth));
-    return stack;
+    return StackOf(width, height, depth, 1, std::move(samples));
+}
+
+reference::Volume RgbStack(int width, int height, int depth, std::vector<std::uint8_t> samples) {
+    return StackOf(width, height, depth, 3, std::move(samples));
 }
 
 reference::Volume FloatStack(int width, int height, int depth, const std::vector<float>& samples) {

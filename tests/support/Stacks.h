@@ -13,6 +13,7 @@ namespace z3d::test {
 
 // Slice by slice, row by row.
 reference::Volume ByteStack(int width, int height, int depth, std::vector<std::uint8_t> samples);
+reference::Volume RgbStack(int width, int height, int depth, std::vector<std::uint8_t> samples);
 reference::Volume FloatStack(int width, int height, int depth, const std::vector<float>& samples);
 
 // The same voxels in a new unlocked volume; depth 0 is fine.

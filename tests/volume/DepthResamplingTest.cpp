@@ -18,12 +18,12 @@ using frame::OwnedVolume;
 using platform::Resource;
 
 constexpr primitives::ValueRange kAnyBounds = {FLT_MAX, -FLT_MAX};
-primitives::ValueRange range; // of the last result
+primitives::ValueRange lastRange; // of the last result
 
 OwnedVolume Resampled(const reference::Volume& stack, int newDepth, const primitives::ValueRange& bounds) {
     const OwnedVolume source = ToVolume(stack);
     RecordingHost host;
-    return volume::ResampleDepth(*source, newDepth, bounds, range, host.Get());
+    return volume::ResampleDepth(*source, newDepth, bounds, lastRange, host.Get());
 }
 
 TEST(DepthResampling, HalvingTakesTheMeanOfPairs) {
@@ -53,14 +53,14 @@ TEST(DepthResampling, BytesAreTruncated) {
 }
 
 TEST(DepthResampling, MeasuresItsResultAlone) {
-    range = {1000, -1000};
+    lastRange = {1000, -1000};
     Resampled(FloatStack(2, 1, 4, {1, 9, 2, 8, 10, 7, 30, 6}), 2, kAnyBounds);
-    EXPECT_EQ(range.max, 20);
-    EXPECT_EQ(range.min, 1.5f);
+    EXPECT_EQ(lastRange.max, 20);
+    EXPECT_EQ(lastRange.min, 1.5f);
 
     Resampled(ByteStack(1, 1, 2, {127, 130}), 4, kAnyBounds);
-    EXPECT_EQ(range.max, 130);
-    EXPECT_EQ(range.min, 126);
+    EXPECT_EQ(lastRange.max, 130);
+    EXPECT_EQ(lastRange.min, 126);
 }
 
 TEST(DepthResampling, OneSliceIsRepeated) {
@@ -80,7 +80,7 @@ TEST(DepthResampling, ReportsAStartAndEachSlice) {
     const OwnedVolume source = ToVolume(ByteStack(1, 1, 2, {1, 2}));
     RecordingHost host;
 
-    const OwnedVolume result = volume::ResampleDepth(*source, 4, kAnyBounds, range, host.Get());
+    const OwnedVolume result = volume::ResampleDepth(*source, 4, kAnyBounds, lastRange, host.Get());
 
     EXPECT_TRUE(result);
     EXPECT_EQ(host.Events(), (Transcript{Start(), Percent(25), Percent(50), Percent(75), Percent(100)}));
@@ -94,7 +94,7 @@ TEST(DepthResampling, FreesSourceSlicesAsSoonAsTheyAreNotNeeded) {
     std::vector<std::int64_t> blocks;
     host.atEachEvent = [&] { blocks.push_back(Outstanding(Resource::Block) - before); };
 
-    const OwnedVolume result = volume::ResampleDepth(*source, 4, kAnyBounds, range, host.Get());
+    const OwnedVolume result = volume::ResampleDepth(*source, 4, kAnyBounds, lastRange, host.Get());
 
     // Slice z needs 2 z and 2 z + 1: the ones below 2 z are gone by then.
     EXPECT_EQ(blocks, (std::vector<std::int64_t>{8, 8 + 1, 6 + 2, 4 + 3, 2 + 4}));
@@ -108,7 +108,7 @@ TEST(DepthResampling, CanBeCancelledAtEveryCall) {
         {
             const OwnedVolume source = ToVolume(ByteStack(1, 1, 2, {1, 2}));
             RecordingHost host(call);
-            EXPECT_EQ(volume::ResampleDepth(*source, 3, kAnyBounds, range, host.Get()), nullptr);
+            EXPECT_EQ(volume::ResampleDepth(*source, 3, kAnyBounds, lastRange, host.Get()), nullptr);
             EXPECT_EQ(host.Calls(), call + 1);
         }
         EXPECT_EQ(OutstandingInTotal(), before) << "call " << call;
@@ -120,7 +120,7 @@ TEST(DepthResampling, GivesNullWithoutAWarningWhenAnythingIsRefused) {
         OwnedVolume source(frame::GlobalAlloc3D(3, 2, 3, 4));
         if (!source) return;
         RecordingHost host;
-        const OwnedVolume result = volume::ResampleDepth(*source, 4, kAnyBounds, range, host.Get());
+        const OwnedVolume result = volume::ResampleDepth(*source, 4, kAnyBounds, lastRange, host.Get());
         EXPECT_EQ(result == nullptr, refused);
         for (const HostEvent& event : host.Events())
             EXPECT_EQ(event.warning, "");
@@ -130,7 +130,7 @@ TEST(DepthResampling, GivesNullWithoutAWarningWhenAnythingIsRefused) {
 TEST(DepthResampling, RefusesWhatItCannotRead) {
     RecordingHost host;
     const auto resample = [&](const OwnedVolume& source, int depth) {
-        return volume::ResampleDepth(*source, depth, kAnyBounds, range, host.Get());
+        return volume::ResampleDepth(*source, depth, kAnyBounds, lastRange, host.Get());
     };
     const OwnedVolume missing = ToVolume(ByteStack(2, 2, 2, std::vector<std::uint8_t>(8)));
     frame::FreeSlice(missing.get(), 1);
@@ -156,7 +156,7 @@ TEST(DepthResampling, MakesAnEmptyStackOfNoSlices) {
     RecordingHost host;
     const OwnedVolume source(frame::GlobalAlloc3D(2, 2, 2, 1));
 
-    const OwnedVolume result = volume::ResampleDepth(*source, 0, kAnyBounds, range, host.Get());
+    const OwnedVolume result = volume::ResampleDepth(*source, 0, kAnyBounds, lastRange, host.Get());
 
     ASSERT_TRUE(result);
     EXPECT_EQ(result->depth, 0);

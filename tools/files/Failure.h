@@ -1,6 +1,7 @@
 // Why a file could not be read or written: one sentence for the user.
 #pragma once
 
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 
@@ -16,5 +17,8 @@ class Cancelled : public std::runtime_error {
 public:
     Cancelled() : std::runtime_error("interrupted") {}
 };
+
+// Throws a FileFailure that says why the file cannot be used.
+[[noreturn]] void Refuse(const std::filesystem::path& path, const std::string& reason);
 
 } // namespace z3d::files

@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 
+#include "Failure.h"
 #include "PackedSamples.h"
 #include "Text.h"
 
@@ -16,10 +17,6 @@ constexpr size_t kHeaderBytes = 348;
 constexpr int kNifti2HeaderBytes = 540;
 constexpr double kFirstVoxel = 352;  // where samples begin at the earliest behind a header of their own file
 constexpr double kLastOffset = 1e15; // whole numbers up to there are exact
-
-[[noreturn]] void Refuse(const std::filesystem::path& path, const std::string& reason) {
-    throw FileFailure("cannot use " + Shown(path) + ": " + reason);
-}
 
 class Header {
 public:
@@ -56,13 +53,13 @@ struct TypeCode {
     int code;
     SampleType type;
 };
-constexpr TypeCode kTypes[] = {
+constexpr TypeCode kTypeCodes[] = {
     {2, SampleType::Uint8},    {4, SampleType::Int16},    {8, SampleType::Int32},
     {16, SampleType::Float32}, {64, SampleType::Float64}, {128, SampleType::Rgb8},
     {256, SampleType::Int8},   {512, SampleType::Uint16}, {768, SampleType::Uint32}};
 
 SampleType TypeOf(const Header& header, const std::filesystem::path& path) {
-    for (const TypeCode& known : kTypes)
+    for (const TypeCode& known : kTypeCodes)
         if (known.code == header.DataType()) return known.type;
     Refuse(path, Format("its data type %d is none of uint8, int8, uint16, int16, uint32, int32, float32, "
                         "float64, RGB24",

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Failure.h"
 #include "NrrdHeader.h"
 #include "PackedSamples.h"
 #include "Text.h"
@@ -14,15 +15,11 @@ namespace {
 constexpr size_t kLongestHeader = 65536;
 constexpr int64_t kMostSkipped = int64_t{1} << 60;
 
-[[noreturn]] void Refuse(const std::filesystem::path& path, const std::string& reason) {
-    throw FileFailure("cannot use " + Shown(path) + ": " + reason);
-}
-
 struct TypeName {
     std::string_view name;
     SampleType type;
 };
-constexpr TypeName kTypes[] = {
+constexpr TypeName kTypeNames[] = {
     {"uchar", SampleType::Uint8},
     {"unsigned char", SampleType::Uint8},
     {"uint8", SampleType::Uint8},
@@ -96,8 +93,8 @@ private:
 
     SampleType Type() const {
         const std::string type = LowerCase(header_.Field("type"));
-        const auto* const known = std::ranges::find(kTypes, std::string_view(type), &TypeName::name);
-        if (known == std::end(kTypes))
+        const auto* const known = std::ranges::find(kTypeNames, std::string_view(type), &TypeName::name);
+        if (known == std::end(kTypeNames))
             Refuse("its type '" + type
                    + "' is none of uint8, int8, uint16, int16, uint32, int32, float, double");
         return known->type;

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <iterator>
 
+#include "Failure.h"
 #include "Text.h"
 
 #define STB_IMAGE_IMPLEMENTATION
@@ -21,10 +22,6 @@ namespace {
 constexpr uint64_t kLongestFile = uint64_t{1} << 30;
 
 constexpr const char* kNoPicture = "it is damaged, or no PNG picture";
-
-[[noreturn]] void Refuse(const std::filesystem::path& path, const std::string& reason) {
-    throw FileFailure("cannot use " + Shown(path) + ": " + reason);
-}
 
 struct PictureKind {
     int width, height;
@@ -91,7 +88,7 @@ PictureKind KindOf(const std::vector<unsigned char>& bytes, const std::filesyste
     return kind;
 }
 
-std::string Shown(const PictureKind& kind) {
+std::string Described(const PictureKind& kind) {
     return Format("%dx%d pixels of %s", kind.width, kind.height, NameOf(kind.type));
 }
 
@@ -142,7 +139,8 @@ private:
         const std::filesystem::path& path = slices_.at(next_++);
         const std::vector<unsigned char> bytes = ReadWhole(path, files_);
         const PictureKind kind = KindOf(bytes, path);
-        if (kind != kind_) Refuse(path, "it has " + Shown(kind) + ", the first slice " + Shown(kind_));
+        if (kind != kind_)
+            Refuse(path, "it has " + Described(kind) + ", the first slice " + Described(kind_));
         pixels_.reset();
         pixels_ = Decode(bytes, kind_.type, path);
         at_ = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Failure.h"
 #include "Text.h"
 
 namespace z3d::files {
@@ -81,7 +82,7 @@ std::vector<std::filesystem::path> Matching(const std::filesystem::path& folder,
 
 std::vector<std::filesystem::path> SlicesIn(const std::filesystem::path& folder, const FileSystem& files) {
     std::vector<std::filesystem::path> slices = Matching(folder, "*.png", files);
-    if (slices.empty()) throw FileFailure("cannot use " + Shown(folder) + ": the folder has no .png files");
+    if (slices.empty()) Refuse(folder, "the folder has no .png files");
     return slices;
 }
 

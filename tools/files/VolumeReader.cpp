@@ -7,6 +7,7 @@
 #include <new>
 #include <stdexcept>
 
+#include "Failure.h"
 #include "Resampler.h"
 #include "Samples.h"
 #include "Text.h"
@@ -161,7 +162,7 @@ ValueRange VolumeReader::Percentiles(const Progress& progress) const {
         pieces.Slice(SamplesPerSlice(facts.size),
                      [&](const void* samples, size_t count, size_t) { histogram.Count(samples, count); });
     std::optional<ValueRange> range = histogram.RangeWithout(kLeftOut);
-    if (!range) throw FileFailure("cannot use " + Shown(facts.files.back()) + ": no voxel holds a number");
+    if (!range) Refuse(facts.files.back(), "no voxel holds a number");
     if (range->low == range->high) range = histogram.RangeWithout(0);
     if (range->low < range->high) return ValuesOf(facts, *range);
     // One value everywhere: between nothing and it.

@@ -6,7 +6,7 @@
 namespace z3d::render {
 namespace {
 
-constexpr std::int32_t kColumns = 16; // that are scored side by side
+constexpr std::int32_t kRunColumns = 16; // that are scored side by side
 
 constexpr std::int64_t kLargest = 255; // byte
 
@@ -139,7 +139,7 @@ void ContrastScores::ScoreRow(std::int32_t y, std::int32_t z) {
     const std::size_t above = static_cast<std::size_t>(z) * static_cast<std::size_t>(grid_.height);
     Score* to = reinterpret_cast<Score*>(scores_.Get())
                 + (above + static_cast<std::size_t>(y)) * static_cast<std::size_t>(grid_.width);
-    if (run.last - run.first < kColumns - 1) {
+    if (run.last - run.first < kRunColumns - 1) {
         ScoreSingly(row, neighbour, {0, grid_.width - 1}, to);
         return;
     }
@@ -186,8 +186,8 @@ void ContrastScores::ScoreRun(const std::uint8_t* row, const std::uint8_t* const
     to += run.first;
     const std::int32_t last = run.last - run.first;
     std::int64_t large = 0;
-    for (std::int32_t x = 0; x <= last; x += kColumns) {
-        x = std::min(x, last - (kColumns - 1));
+    for (std::int32_t x = 0; x <= last; x += kRunColumns) {
+        x = std::min(x, last - (kRunColumns - 1));
         large += ScoreSixteen(window_, row, from, x, to + x);
     }
     large_ += large;

@@ -8,6 +8,8 @@
 
 namespace z3d::render::Z3D_ISA {
 
+constexpr std::int32_t Fewer(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
+
 struct Packet {
     alignas(64) std::int32_t start[kRays]; // depth index of the first sample
     alignas(64) std::int32_t count[kRays]; // samples; 0 for a ray that is not rendered

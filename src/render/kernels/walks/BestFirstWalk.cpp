@@ -5,10 +5,8 @@
 namespace z3d::render::Z3D_ISA {
 namespace {
 
-constexpr std::int64_t kTrial = 4096; // stretches after which the walk may be given up
-constexpr int kWorthALook = 8;        // rays of a packet: fewer are left to the queue
-
-constexpr std::int32_t Fewer(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
+constexpr std::int64_t kBandTrial = 4096; // stretches after which the walk may be given up
+constexpr int kWorthALook = 8;            // rays of a packet: fewer are left to the queue
 
 // The rays with a stretch ahead that can change them.
 Z3D_INLINE Bytes Wants(Bytes bound, const GreyExtreme::State& state) {
@@ -59,7 +57,7 @@ std::int32_t BestFirstWalk::Render() {
     for (std::int32_t band = 0; band < rays_.Bottom(); band += kTileSide) {
         // Rays that look at more than half of their stretches after all do so sooner in packets.
         const bool isOptional = projection_.skipPolicy == SkipPolicy::WhereItPays;
-        if (isOptional && asked_ >= kTrial && looked_ * 2 > asked_) return band;
+        if (isOptional && asked_ >= kBandTrial && looked_ * 2 > asked_) return band;
         const std::int32_t rows = Fewer(kTileSide, rays_.Bottom() - band);
         rays_.StartBand(band, rows);
         for (std::int32_t left = 0; left < rays_.Right(); left += kSpan)

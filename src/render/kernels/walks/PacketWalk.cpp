@@ -3,7 +3,7 @@
 namespace z3d::render::Z3D_ISA {
 namespace {
 
-constexpr std::int64_t kTrial = 256; // stretches after which skipping may be given up
+constexpr std::int64_t kSkippingTrial = 256; // stretches after which skipping may be given up
 constexpr std::int32_t kProbedRows = 5;
 constexpr std::int32_t kProbedPackets = 4; // one of so many in a row
 
@@ -11,8 +11,6 @@ constexpr std::int32_t kProbedPackets = 4; // one of so many in a row
 constexpr double kVoxelsPerSample = 64;
 
 constexpr std::int32_t PacketsIn(std::int32_t pixels) { return (pixels + kPacketSide - 1) / kPacketSide; }
-
-constexpr std::int32_t Fewer(std::int32_t a, std::int32_t b) { return a < b ? a : b; }
 
 } // namespace
 
@@ -31,7 +29,7 @@ void PacketWalk::Render(std::int32_t firstRow) {
         for (std::int32_t tile = rule_.shape.border; tile < rays_.Right(); tile += kTileSide) {
             RenderTile(band, rows, tile, Fewer(kTileSide, rays_.Right() - tile));
             // Where most stretches have to be looked at anyway, asking first costs more than it saves.
-            if (IsOptional() && asked_ >= kTrial && looked_ * 4 > asked_ * 3) isSkipping_ = false;
+            if (IsOptional() && asked_ >= kSkippingTrial && looked_ * 4 > asked_ * 3) isSkipping_ = false;
         }
     }
 }
