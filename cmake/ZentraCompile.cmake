@@ -46,6 +46,13 @@ if(ZENTRA_FUZZ)
   add_link_options(-fsanitize=address,undefined,float-cast-overflow)
 endif()
 
+# Presets whose sources the native build has compiled one by one compile them in groups: most of the time goes into
+# headers. What ships is compiled file by file everywhere; under sanitizers it need not be.
+set(ZENTRA_GROUP_LIBRARY OFF)
+if(CMAKE_UNITY_BUILD AND (ZENTRA_SANITIZE OR ZENTRA_FUZZ))
+  set(ZENTRA_GROUP_LIBRARY ON)
+endif()
+
 # Our own sources: warnings are errors.
 function(zentra_warnings target)
   target_compile_options(${target} PRIVATE
@@ -63,6 +70,7 @@ endfunction()
 # where the toolchain says that the platform asks for it.
 function(zentra_library_code target)
   zentra_warnings(${target})
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ${ZENTRA_GROUP_LIBRARY})
   target_compile_options(${target} PRIVATE
     $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti -fno-threadsafe-statics>
     $<$<COMPILE_LANGUAGE:CXX>:$<IF:$<BOOL:${ZENTRA_UNWIND_TABLES}>,-fasynchronous-unwind-tables,-fno-asynchronous-unwind-tables>>
