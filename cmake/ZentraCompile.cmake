@@ -53,6 +53,13 @@ if(CMAKE_UNITY_BUILD AND (ZENTRA_SANITIZE OR ZENTRA_FUZZ))
   set(ZENTRA_GROUP_LIBRARY ON)
 endif()
 
+# Headers of other people that take longer to read than the sources that include them. Groups read them once anyway.
+function(zentra_read_once target)
+  if(NOT CMAKE_UNITY_BUILD)
+    target_precompile_headers(${target} PRIVATE ${ARGN})
+  endif()
+endfunction()
+
 # Our own sources: warnings are errors.
 function(zentra_warnings target)
   target_compile_options(${target} PRIVATE
