@@ -6,18 +6,12 @@ set(exports ${CMAKE_CURRENT_LIST_DIR})
 
 # The names come from the module definition, the only list of them, behind those three that stand in for functions of
 # Windows by which a host releases a picture.
-set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${exports}/Zentra3DRendering.def)
-file(STRINGS ${exports}/Zentra3DRendering.def definition_lines REGEX "@[0-9]+$")
-set(global_names "GlobalHandle; GlobalUnlock; GlobalFree;")
-foreach(line IN LISTS definition_lines)
-  string(REGEX REPLACE "^ *([A-Za-z0-9]+)=.*$" "\\1" name "${line}")
-  string(APPEND global_names "\n    ${name};")
-endforeach()
+zentra_for_each_export(names_of_list "\n    @name@;")
 set(version_script ${CMAKE_CURRENT_BINARY_DIR}/Zentra3DRendering.map)
 file(CONFIGURE OUTPUT ${version_script} CONTENT
 "ZENTRA3DRENDERING_@PROJECT_VERSION_MAJOR@ {
   global:
-    @global_names@
+    GlobalHandle; GlobalUnlock; GlobalFree;@names_of_list@
   local:
     *;
 };
