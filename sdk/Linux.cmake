@@ -27,6 +27,8 @@ install(DIRECTORY bindings/python DESTINATION bindings COMPONENT sdk EXCLUDE_FRO
 # In the package, too: what pip installs cannot see the archive's lib.
 install(FILES $<TARGET_FILE:Zentra3DRendering> DESTINATION bindings/python/zentra3d
   RENAME $<TARGET_SONAME_FILE_NAME:Zentra3DRendering> COMPONENT sdk EXCLUDE_FROM_ALL)
+# And the licence: what pip makes of the folder takes it along.
+install(FILES ${PROJECT_SOURCE_DIR}/LICENSE DESTINATION bindings/python RENAME LICENSE.txt COMPONENT sdk EXCLUDE_FROM_ALL)
 zentra_sdk(samples/c samples/c/sample.c)
 install(DIRECTORY samples/cmake DESTINATION samples COMPONENT sdk EXCLUDE_FROM_ALL)
 zentra_sdk(samples samples/expected.txt)

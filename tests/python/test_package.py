@@ -71,45 +71,33 @@ def test_the_library_stays_out_of_everybody_elses_way():
     assert result.stdout == "False\n"
 
 
-# What is Windows' own, stood in for: ways to load a DLL and to be called back, the name of its code page.
+# A file is loaded and rendered as on Windows.
 ON_WINDOWS = """
-import codecs, ctypes, os, sys
-import numpy
-sys.platform = "win32"
-ctypes.WinDLL = lambda name: ctypes.CDLL(os.environ["ZENTRA3D_LIBRARY"])
-ctypes.WINFUNCTYPE = ctypes.CFUNCTYPE
-codecs.register(lambda name: codecs.lookup("utf-8") if name == "mbcs" else None)
-import zentra3d
+import windows, numpy, zentra3d
 numpy.arange(24, dtype=numpy.uint8).tofile("grey.raw")
 seen = []
 with zentra3d.load_grey("grey.raw", (2, 3, 4), progress=seen.append) as volume:
-    print(volume.project().max(), seen[-1], zentra3d._library.FILE_NAME)
+    print(volume.project().max(), seen[-1], zentra3d._library.FILE_NAME, windows.open_files)
 """
 
 
+def on_windows(folder, program, **environment):
+    """Runs a program with windows.py, which stands in for what is Windows' own."""
+    paths = os.pathsep.join((str(PACKAGE.parent), str(pathlib.Path(__file__).parent)))
+    return run(folder, program, **{VARIABLE: os.environ[VARIABLE], "PYTHONPATH": paths}, **environment)
+
+
 def test_the_parts_for_windows_fit_together(tmp_path):
-    result = run(tmp_path, ON_WINDOWS, **{VARIABLE: os.environ[VARIABLE], "PYTHONPATH": str(PACKAGE.parent)})
-    assert result.stdout == "23.0 100.0 Zentra3DRendering.dll\n", result.stderr
+    result = on_windows(tmp_path, ON_WINDOWS)
+    assert result.stdout == "23.0 100.0 Zentra3DRendering.dll 0\n", result.stderr
 
 
-# A code page without the letters of a name, and disks with short names and without.
-SHORT_NAMES = """
-import codecs, ctypes, os, sys, types
-sys.platform = "win32"
-def WinDLL(name):
-    return types.SimpleNamespace(GetShortPathNameW=short_name) if finished else ctypes.CDLL(os.environ["ZENTRA3D_LIBRARY"])
-finished = False
-ctypes.WinDLL, ctypes.WINFUNCTYPE = WinDLL, ctypes.CFUNCTYPE
-codecs.register(lambda name: codecs.lookup("ascii") if name == "mbcs" else None)
+# What the library is given of names, and what is said where it could not open them.
+NAMES = """
+import windows, os
 import zentra3d._library
-finished = True
-name = "gr\u00fcn.raw"
-open(name, "wb").close()
-for gives in ("GRN~1.RAW", name, ""):
-    def short_name(long, buffer, size):
-        assert long.value == name
-        buffer.value = gives
-        return len(gives)
+for name in {names}:
+    open(name, "wb").close()
     for given in (name, os.fsencode(name)):
         try:
             print(zentra3d._library.file_name(given))
@@ -118,10 +106,28 @@ for gives in ("GRN~1.RAW", name, ""):
 """
 
 
-def test_a_name_outside_the_code_page_is_short_or_refused(tmp_path):
-    result = run(tmp_path, SHORT_NAMES, **{VARIABLE: os.environ[VARIABLE], "PYTHONPATH": str(PACKAGE.parent)})
-    refusal = "neither the name nor a short name of it is in the system's code page"
-    assert result.stdout.splitlines() == ["b'GRN~1.RAW'"] * 2 + [refusal] * 4, result.stderr
+@pytest.mark.parametrize("shortened, says", [
+    ("GRN~1.RAW", "b'GRN~1.RAW'"),
+    ("gr\u00fcn.raw", "neither the name nor a short name of it is in the system's code page"),
+    ("", "neither the name nor a short name of it is in the system's code page")])
+def test_a_name_outside_the_code_page_is_short_or_refused(tmp_path, shortened, says):
+    (tmp_path / "GRN~1.RAW").touch()
+    result = on_windows(tmp_path, NAMES.format(names=["gr\u00fcn.raw"]), CODE_PAGE="ascii", SHORT_NAME=shortened)
+    assert result.stdout.splitlines() == [says] * 2, result.stderr
+
+
+def test_a_path_that_is_too_long_for_the_library_is_short_or_refused(tmp_path):
+    folder = tmp_path / ("a" * 200) / ("b" * 200)
+    folder.mkdir(parents=True)
+    (tmp_path / "A~1").touch()
+    program = NAMES.format(names=[str(folder / "long.raw")])
+    assert on_windows(tmp_path, program, SHORT_NAME="A~1").stdout.splitlines() == ["b'A~1'"] * 2
+    assert on_windows(tmp_path, program, SHORT_NAME="").stdout.splitlines() == ["error 3"] * 2
+
+
+def test_a_file_that_others_may_write_to_is_refused_as_the_library_would(tmp_path):
+    result = on_windows(tmp_path, NAMES.format(names=["free.raw", "held.raw"]), HELD_FOR_WRITING="held.raw")
+    assert result.stdout.splitlines() == ["b'free.raw'"] * 2 + ["error 32"] * 2, result.stderr
 
 
 def test_one_version():

@@ -117,19 +117,27 @@ for _name, _result, *_arguments in [
     getattr(functions, _name).argtypes = _arguments
 
 # Where there is no Windows to release pictures, the library has what does.
-_memory: Any = _ctypes.WinDLL("kernel32") if IS_WINDOWS else functions
+_system: Any = _ctypes.WinDLL("kernel32", use_last_error=True) if IS_WINDOWS else functions
 for _name in ("GlobalHandle", "GlobalFree"):
-    getattr(_memory, _name).restype = c_void_p
-    getattr(_memory, _name).argtypes = [c_void_p]
-_memory.GlobalUnlock.restype = c_int
-_memory.GlobalUnlock.argtypes = [c_void_p]
+    getattr(_system, _name).restype = c_void_p
+    getattr(_system, _name).argtypes = [c_void_p]
+_system.GlobalUnlock.restype = c_int
+_system.GlobalUnlock.argtypes = [c_void_p]
+
+if IS_WINDOWS:
+    _system.CreateFileA.restype = c_void_p
+    _system.CreateFileA.argtypes = [ctypes.c_char_p, c_uint, c_uint, c_void_p, c_uint, c_uint, c_void_p]
+    _system.CloseHandle.restype = c_int
+    _system.CloseHandle.argtypes = [c_void_p]
+    _system.GetShortPathNameW.restype = c_uint
+    _system.GetShortPathNameW.argtypes = [ctypes.c_wchar_p, ctypes.c_wchar_p, c_uint]
 
 
 def release_picture(address: int) -> None:
     """Releases what GetRotProjection gave."""
-    block = _memory.GlobalHandle(address)  # the address is not the handle
-    _memory.GlobalUnlock(block)
-    _memory.GlobalFree(block)
+    block = _system.GlobalHandle(address)  # the address is not the handle
+    _system.GlobalUnlock(block)
+    _system.GlobalFree(block)
 
 
 def file_name(path: Path) -> bytes:
@@ -140,22 +148,37 @@ def file_name(path: Path) -> bytes:
     plain = os.fspath(path)  # a number is no path: it would be a descriptor, and closed here
     with open(plain, "rb"):
         pass
-    if not IS_WINDOWS:
-        return os.fsencode(plain)
-    name = os.fsdecode(plain)
-    try:
-        return name.encode("mbcs")
-    except UnicodeEncodeError:
-        return _short_name(name)
+    return _name_in_code_page(os.fsdecode(plain)) if IS_WINDOWS else os.fsencode(plain)
 
 
-def _short_name(name: str) -> bytes:
+def _name_in_code_page(name: str) -> bytes:
+    """A name that the library can open: unlike Python it takes no long paths, and no file that others may write to."""
+    failure = OSError(errno.EINVAL, "neither the name nor a short name of it is in the system's code page", name)
+    for spelling in (name, _short_name(name)):
+        try:
+            encoded = spelling.encode("mbcs")
+        except UnicodeEncodeError:
+            continue
+        error = _error_of_opening(encoded)
+        if error == 0:
+            return encoded
+        failure = OSError(0, _ctypes.FormatError(error), name, error)
+    raise failure
+
+
+def _short_name(name: str) -> str:
+    """The same name where there is no shorter one: not all disks have them."""
     longest = 32767
     short = ctypes.create_unicode_buffer(longest)
-    length = _ctypes.WinDLL("kernel32").GetShortPathNameW(ctypes.c_wchar_p(name), short, longest)
-    try:
-        if 0 < length < longest:
-            return short.value.encode("mbcs")
-    except UnicodeEncodeError:  # a disk without short names gives the long one
-        pass
-    raise OSError(errno.EINVAL, "neither the name nor a short name of it is in the system's code page", name)
+    length = _system.GetShortPathNameW(name, short, longest)
+    return short.value if 0 < length < longest else name
+
+
+def _error_of_opening(name: bytes) -> int:
+    """Opens a file as the library does. The system's number for what is wrong, or 0."""
+    read, readers_may_share, existing, ordinary = 0x80000000, 1, 3, 0x80
+    file = _system.CreateFileA(name, read, readers_may_share, None, existing, ordinary, None)
+    if file == c_void_p(-1).value:
+        return int(_ctypes.get_last_error())
+    _system.CloseHandle(file)
+    return 0

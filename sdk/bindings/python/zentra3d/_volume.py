@@ -5,6 +5,7 @@ from __future__ import annotations
 import contextlib
 import ctypes
 import enum
+import math
 import threading
 import weakref
 from types import TracebackType
@@ -159,7 +160,7 @@ class Volume:
         if not tables:
             raise OutOfMemory("the library got no memory to lock the volume")
         try:
-            pixels: Any = ctypes.c_ubyte * int(np.prod(shape[1:]))
+            pixels: Any = ctypes.c_ubyte * math.prod(shape[1:])
             yield [np.frombuffer(pixels.from_address(tables[z][0]), dtype=np.uint8).reshape(shape[1:])
                    for z in range(shape[0])]  # the rows of a slice follow one another
         finally:
