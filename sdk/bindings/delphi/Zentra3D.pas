@@ -326,7 +326,8 @@ begin
 end;
 
 { The path as the library takes it. What the system's code page cannot say goes by its short name. A file that cannot be
-  opened raises EFOpenError here, before the library shows it to the user in a message box. }
+  opened, or that somebody may write to, raises EFOpenError here, before the library shows it to the user in a message
+  box. }
 function ChannelName(const Path: string): AnsiString;
 var
   Short: WideString;
@@ -334,7 +335,7 @@ begin
   Result := '';
   if Path = '' then
     Exit;
-  TFileStream.Create(Path, fmOpenRead or fmShareDenyNone).Free;
+  TFileStream.Create(Path, fmOpenRead or fmShareDenyWrite).Free;
   Result := Narrow(WideString(Path));
   if Result = '' then
   begin

@@ -135,21 +135,22 @@ func flag(value bool) uintptr {
 }
 
 // channelName is the path in the system's code page, which is all that the library takes. What that code page
-// cannot say goes by its short name. A file that cannot be opened is an error here, before the library shows it
-// to the user in a message box.
+// cannot say goes by its short name. A file that cannot be opened, or that somebody may write to, is an error here,
+// before the library shows it to the user in a message box.
 func channelName(path string) (*byte, error) {
 	if path == "" {
 		return nil, nil
 	}
-	file, err := os.Open(path)
-	if err != nil {
-		return nil, err
-	}
-	file.Close()
 	wide, err := syscall.UTF16FromString(path)
 	if err != nil {
 		return nil, err
 	}
+	file, err := syscall.CreateFile(&wide[0], syscall.GENERIC_READ, syscall.FILE_SHARE_READ, nil,
+		syscall.OPEN_EXISTING, syscall.FILE_ATTRIBUTE_NORMAL, 0)
+	if err != nil {
+		return nil, &os.PathError{Op: "open", Path: path, Err: err}
+	}
+	syscall.CloseHandle(file)
 	if name := narrow(wide); name != nil {
 		return name, nil
 	}

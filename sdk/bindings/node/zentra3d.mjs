@@ -78,6 +78,9 @@ const system = declare(kernel32, [
     '_Out_ uint8_t *text, int textLength, void *fallback, void *fellBack'],
   ['int', 'MultiByteToWideChar', 'unsigned int codePage, uint32_t flags, const uint8_t *text, int textLength, ' +
     '_Out_ uint16_t *wide, int wideLength'],
+  ['int', 'CreateFileA', 'const uint8_t *name, uint32_t access, uint32_t share, void *security, uint32_t how, ' +
+    'uint32_t attributes, void *template'],
+  ['int', 'CloseHandle', 'int file'],
   ['uint32_t', 'GetShortPathNameW', 'const char16_t *path, _Out_ uint16_t *short, uint32_t length'],
 ]);
 
@@ -212,13 +215,24 @@ function outOfMemory() {
 }
 
 // The path in the system's code page, which is all that the library takes. What that code page cannot say goes by its
-// short name. A file that cannot be opened is thrown here, before the library shows it to the user in a message box.
+// short name. A file that cannot be opened, or that somebody may write to, is thrown here, before the library shows it to
+// the user in a message box.
 function channelName(path) {
   closeSync(openSync(path, 'r'));
   const name = narrow(path) ?? narrow(shortName(path));
   if (name === null) throw new Error(`${path}: the name cannot be said in the system's code page`);
+  const file = system.CreateFileA(name, FOR_READING, SHARE_WITH_READERS, null, OPEN_EXISTING, 0, null);
+  if (file === INVALID_HANDLE) {
+    throw Object.assign(new Error(`${path}: somebody may write to the file, or its path is too long`), { code: 'EBUSY' });
+  }
+  system.CloseHandle(file);
   return name;
 }
+
+const FOR_READING = 0x80000000;
+const SHARE_WITH_READERS = 1;
+const OPEN_EXISTING = 3;
+const INVALID_HANDLE = -1;
 
 function shortName(path) {
   const short = new Uint16Array(32768);

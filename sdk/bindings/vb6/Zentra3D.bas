@@ -171,6 +171,6 @@ Private Sub CheckFile(ByVal Path As String)
     Dim file As Integer
     If Len(Path) = 0 Then Exit Sub
     file = FreeFile
-    Open Path For Input Access Read As #file
+    Open Path For Input Access Read Lock Write As #file
     Close #file
 End Sub

@@ -109,10 +109,14 @@ end;
 
 var
   Voxels: TBytes;
+  Writer: TFileStream;
 begin
   Host := THost.Create;
   Turn := ZentraRotation(30, 40, 50);
   Check('a file that is not there', LoadRaises('none.raw', 32, nil) = 'EFOpenError');
+  Writer := TFileStream.Create('green.raw', fmOpenReadWrite or fmShareDenyNone);
+  Check('a file that somebody may write to', LoadRaises('red.raw', 32, nil) = 'EFOpenError');
+  Writer.Free;
   Check('a size of nothing', LoadRaises('red.raw', 0, nil) = 'EZentraError');
   Check('what progress raises', LoadRaises('red.raw', 32, Host.RaiseMine) = 'EMine');
   Check('a cancel', LoadRaises('red.raw', 32, Host.CancelLate) = 'EZentraCancelled');

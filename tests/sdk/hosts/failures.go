@@ -57,6 +57,12 @@ func loadErrors() {
 	_, _, err := zentra3d.Load(channels)
 	check("a file that is not there", errors.Is(err, fs.ErrNotExist), err)
 
+	writer, err := os.OpenFile("green.raw", os.O_WRONLY, 0)
+	check("a file to write to", err == nil, err)
+	_, _, err = zentra3d.Load(files())
+	check("a file that somebody may write to", errors.Is(err, syscall.Errno(32)), err)
+	writer.Close()
+
 	_, _, err = zentra3d.Load(zentra3d.Channels{Width: 1, Height: 1, Depth: 1})
 	check("no file at all", err != nil, err)
 

@@ -2,7 +2,7 @@
 // zentra3d.mjs. Prints the checks
 // that fail, and ends with their number.
 import assert from 'node:assert/strict';
-import { copyFileSync, readFileSync, unlinkSync } from 'node:fs';
+import { closeSync, copyFileSync, openSync, readFileSync, unlinkSync } from 'node:fs';
 import { pathToFileURL } from 'node:url';
 
 const { Mode, Volume, loadChannels, rotation, raw } = await import(pathToFileURL(process.argv[2]));
@@ -31,6 +31,14 @@ function residentGrowth(times, body) {
 
 check('a file that is not there', () => {
   assert.throws(() => loadChannels({ ...files, green: 'none.raw' }, size), { code: 'ENOENT' });
+});
+check('a file that somebody may write to', () => {
+  const writer = openSync('green.raw', 'r+');
+  try {
+    assert.throws(() => loadChannels(files, size), { code: 'EBUSY' });
+  } finally {
+    closeSync(writer);
+  }
 });
 check('no file at all', () => assert.throws(() => loadChannels({}, size), RangeError));
 check('a size of nothing', () => assert.throws(() => loadChannels(files, { ...size, depth: 0 }), RangeError));
