@@ -8,6 +8,7 @@
 
 using namespace z3d;
 using exports::HostCall;
+using exports::Only16Bits;
 
 namespace {
 
@@ -57,5 +58,5 @@ int Z3D_CALL AdjustGamma(const unsigned char* table, float level) {
 }
 
 short Z3D_CALL SubvolumeConvert(int value, int newScale, int oldScale, short roundUp) {
-    return HostCall<geometry::SubvolumeConvert>(value, newScale, oldScale, roundUp);
+    return HostCall<geometry::SubvolumeConvert>(value, newScale, oldScale, Only16Bits(roundUp));
 }

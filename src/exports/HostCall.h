@@ -6,6 +6,13 @@
 
 namespace z3d::exports {
 
+// An argument of 16 bits; above them its register or slot holds what the host left there. Clang for Linux takes it for
+// extended by the caller, so where it comes from is hidden from the compiler.
+inline short Only16Bits(short argument) {
+    asm("" : "+r"(argument));
+    return argument;
+}
+
 class LibraryFloatingPoint {
 public:
     LibraryFloatingPoint() { platform::EnterLibraryFloatingPoint(host_); }

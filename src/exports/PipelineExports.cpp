@@ -11,6 +11,7 @@ using namespace z3d;
 using exports::HostCall;
 using exports::HostFloatingPoint;
 using exports::LibraryFloatingPoint;
+using exports::Only16Bits;
 
 namespace {
 
@@ -61,11 +62,11 @@ Volume3D* Z3D_CALL GetRGBImage(const char* redFile, const char* greenFile, const
         .redFile = redFile,
         .greenFile = greenFile,
         .blueFile = blueFile,
-        .width = width,
-        .height = height,
-        .depth = depth,
-        .is8bit = is8bit != 0,
-        .maxDiagonal = maxDiagonal,
+        .width = Only16Bits(width),
+        .height = Only16Bits(height),
+        .depth = Only16Bits(depth),
+        .is8bit = Only16Bits(is8bit) != 0,
+        .maxDiagonal = Only16Bits(maxDiagonal),
         .keepChannelsApart = (keepChannelsApart & 0xFF) != 0,
         .outMax = outMax,
         .outMin = outMin,

@@ -5,12 +5,14 @@
 
 using namespace z3d;
 using exports::HostCall;
+using exports::Only16Bits;
 
 namespace {
 
 // Hosts count voxels from 1.
 render::CropBox CropFromHost(short x0, short x1, short y0, short y1, short z0, short z1) {
-    return {x0 - 1, x1 - 1, y0 - 1, y1 - 1, z0 - 1, z1 - 1};
+    return {Only16Bits(x0) - 1, Only16Bits(x1) - 1, Only16Bits(y0) - 1,
+            Only16Bits(y1) - 1, Only16Bits(z0) - 1, Only16Bits(z1) - 1};
 }
 
 } // namespace
@@ -18,9 +20,9 @@ render::CropBox CropFromHost(short x0, short x1, short y0, short y1, short z0, s
 float* Z3D_CALL GetRotProjection(Volume3D* volume, const float* rotation, short mode, short x0, short x1,
                                  short y0, short y1, short z0, short z1, float high, float low, float extra,
                                  unsigned short* width, unsigned short* height, int reserved) {
-    return HostCall<render::GetRotProjection>(volume, rotation, mode, CropFromHost(x0, x1, y0, y1, z0, z1),
-                                              render::RenderArguments{high, low, extra}, width, height,
-                                              reserved);
+    return HostCall<render::GetRotProjection>(
+        volume, rotation, Only16Bits(mode), CropFromHost(x0, x1, y0, y1, z0, z1),
+        render::RenderArguments{high, low, extra}, width, height, reserved);
 }
 
 void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short x1, short y0, short y1,
