@@ -271,9 +271,9 @@ void Z3D_CALL GetRotDim(Volume3D* volume, const float* rotation, short x0, short
  *   6  first hit      0..255                           -3.4028235e38   as they are, or windowed
  * -3.4028235e38 has the bits 0xFF7FFFFF, +3.4028235e38 0x7F7FFFFF. They are marks: map them to the background
  * first. Windowed: (value - outMin) * 255 / (outMax - outMin), held to 0..255, with the display range that
- * GetRGBImage gives; its range of a colour volume is of the sum of the channels, so it is divided by 3 for a
- * channel. outMax and outMin are also a window, as `high` and `low`, that accepts every voxel (in modes 3 and 5,
- * whose window excludes its ends, and for a grey volume of floats take them one wider).
+ * GetRGBImage gives; that of a colour is of the sum of the channels: divide it by 3. A grey file of one value has
+ * equal ends: show it as it is, in a window of 0..255. Else outMax and outMin, as `high` and `low`, are a window that
+ * accepts every voxel (in modes 3 and 5, whose window excludes its ends, and for grey of floats, one wider).
  *
  * Returns  W * H pixels of 3 floats (12 bytes), top row of the view first, rows without padding, in raw voxel
  *          scale, not normalised. Where W or H is above 65535, the block has all pixels but the stored size does

@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
+#include <set>
 
 namespace {
 
@@ -58,6 +60,50 @@ TEST(PictureGeometry, VoxelsAppearWhereTheRotationTakesThem) {
             }
         }
     }
+}
+
+// How many columns and rows hold something, from the first to the last.
+struct Extent {
+    int columns, rows;
+    bool operator==(const Extent&) const = default;
+};
+
+Extent ExtentSeen(Volume3D* volume, const View& view) {
+    const Picture picture = TakePicture(volume, view);
+    std::set<int> columns, rows;
+    for (int row = 0; row < picture.height; ++row) {
+        for (int column = 0; column < picture.width; ++column) {
+            if (*picture.At(column, row) == kNothing) continue;
+            columns.insert(column);
+            rows.insert(row);
+        }
+    }
+    return {static_cast<int>(columns.size()), static_cast<int>(rows.size())};
+}
+
+// A box of 9 x 9 x 5 voxels, seen from the front and from two sides.
+TEST(PictureGeometry, VoxelsCountAsCubes) {
+    const ExportedVolume volume(15, 15, 15, 1);
+    Fill(volume.Get(), [](int x, int y, int z, int) {
+        return std::abs(x - 7) <= 4 && std::abs(y - 7) <= 4 && std::abs(z - 7) <= 2 ? 200 : 0;
+    });
+
+    EXPECT_EQ(ExtentSeen(volume.Get(), {.low = 1}), (Extent{9, 9}));
+    EXPECT_EQ(ExtentSeen(volume.Get(), {.rotation = RotationOf(90, 0, 0), .low = 1}), (Extent{9, 5}));
+    EXPECT_EQ(ExtentSeen(volume.Get(), {.rotation = RotationOf(0, 90, 0), .low = 1}), (Extent{5, 9}));
+}
+
+// A ball whose slices are twice as far apart as its columns and rows is half as deep, until the host has resampled it.
+TEST(PictureGeometry, AScanOfAnotherSpacingIsOutOfShapeUntilItIsResampled) {
+    const ExportedVolume scan(21, 21, 11, 1);
+    const ExportedVolume resampled(21, 21, 21, 1);
+    const auto ball = [](int x, int y, int z) { return x * x + y * y + z * z <= 64 ? 200 : 0; };
+    Fill(scan.Get(), [&](int x, int y, int z, int) { return ball(x - 10, y - 10, 2 * (z - 5)); });
+    Fill(resampled.Get(), [&](int x, int y, int z, int) { return ball(x - 10, y - 10, z - 10); });
+    const View fromBelow = {.rotation = RotationOf(90, 0, 0), .low = 1};
+
+    EXPECT_EQ(ExtentSeen(scan.Get(), fromBelow), (Extent{17, 9}));
+    EXPECT_EQ(ExtentSeen(resampled.Get(), fromBelow), (Extent{17, 17}));
 }
 
 // With x to the right and y up, z of a right-handed system would point at the viewer; slices go away instead.

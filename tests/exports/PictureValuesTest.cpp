@@ -74,6 +74,22 @@ TEST_P(PictureValues, AreTheEmptyOneWhereNothingContributes) {
     EXPECT_EQ(*picture.At(0, 4), values.mode == RenderModeContrast ? 0 : values.empty);
 }
 
+TEST_P(PictureValues, DependOnExtraInModes3And4Alone) {
+    const ValuesOfMode& values = GetParam();
+    const ExportedVolume volume(9, 9, 9, static_cast<unsigned int>(values.bytesPerVoxel));
+    View view = {.mode = values.mode,
+                 .rotation = RotationOf(10, 20, 30),
+                 .high = 700,
+                 .low = 100.0f * static_cast<float>(values.bytesPerVoxel), // so that there are several layers
+                 .extra = 0.25f};
+    const Picture picture = TakePicture(volume.Get(), view);
+    view.extra = 0.75f;
+    const Picture other = TakePicture(volume.Get(), view);
+
+    const bool counts = values.mode == RenderModeSurface || values.mode == RenderModeBlend;
+    EXPECT_EQ(picture.floats != other.floats, counts);
+}
+
 INSTANTIATE_TEST_SUITE_P(Modes, PictureValues, ::testing::ValuesIn(kTable), [](const auto& row) {
     return "Mode" + std::to_string(row.param.mode) + (row.param.extra == 1 ? "Layers" : "")
            + (row.param.bytesPerVoxel == 3 ? "Colour" : "Grey");

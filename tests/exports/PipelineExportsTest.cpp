@@ -2,6 +2,7 @@
 #include "exports/HeapUse.h"
 #include "exports/ImageCall.h"
 #include "exports/Library.h"
+#include "exports/Picture.h"
 
 #include "support/TemporaryFile.h"
 
@@ -192,6 +193,32 @@ TEST(PipelineExports, LetOthersReadTheFileMeanwhile) {
     EXPECT_EQ(opened, 3);
 
     CloseHandle(before);
+}
+
+// Loads another file, renders it and makes a matrix.
+bool CallsTheLibrary(const char* name) {
+    Volume3D* volume = TheLibrary().GetRGBImage(name, name, name, 4, 1, 1, 0, 0, 0, 1, 30000, nullptr,
+                                                nullptr, nullptr, nullptr, 0, nullptr, 0);
+    if (volume == nullptr) return false;
+    const Picture picture = TakePicture(volume, {.mode = RenderModeFirstHit});
+    TheLibrary().Free3DData(volume);
+    return picture.isRendered && *picture.At(3, 0) == 40 && RotationOf(0, 0, 90)[1] == -1;
+}
+
+TEST(PipelineExports, LetTheCallbackCallTheLibrary) {
+    static const TemporaryFile* other = nullptr;
+    static int steps;
+    const TemporaryFile bytes(Bytes{10, 20, 30, 40});
+    const TemporaryFile file(Bytes{0, 255});
+    other = &bytes;
+    steps = 0;
+    CallbackLog log;
+    log.atEachCall = [](CallbackLog&) { steps += CallsTheLibrary(other->Name()); };
+    ImageCall call = {.red = file.Name(), .width = 2, .log = &log};
+
+    EXPECT_EQ(TakeImage(call.RunUnwatched()).bytes, (Bytes{0, 0, 0, 255, 0, 0}))
+        << "its own flags are raised";
+    EXPECT_EQ(steps, 3) << "the start, the slice and the result";
 }
 
 void OneRound(int round, const char* bytes, const char* floats) {

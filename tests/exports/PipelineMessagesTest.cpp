@@ -77,6 +77,22 @@ TEST(PipelineMessages, SayThatAFileCannotBeOpenedUnderTheHostsTitle) {
     EXPECT_EQ(log.calls, Calls{kNoResult});
 }
 
+TEST(PipelineMessages, SayThatAFileCannotBeOpenedWhileSomeoneHasItOpenForWriting) {
+    const TemporaryFile file(std::vector<std::uint8_t>{1});
+    const HANDLE writer = CreateFileA(file.Name(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(writer, INVALID_HANDLE_VALUE);
+    ImageCall call = {.red = file.Name()};
+    const auto load = [&] { EXPECT_EQ(call.RunUnwatched(), nullptr); };
+
+    EXPECT_EQ(BoxShownBy(load).text, "Cannot open file");
+
+    CloseHandle(writer);
+    Volume3D* volume = call.Run();
+    EXPECT_NE(volume, nullptr);
+    TheLibrary().Free3DData(volume);
+}
+
 TEST(PipelineMessages, AreNotShownForACancelOrForSizesBelowOne) {
     const TemporaryFile file(std::vector<std::uint8_t>{1});
     CallbackLog log;

@@ -93,6 +93,32 @@ TEST(PipelineResults, BytesOfAColourStandForTheCommonRange) {
     EXPECT_EQ(TakeImage(grey.Run()).bytes, (Bytes{0, 1, 2, 3}));
 }
 
+TEST(PipelineResults, AFileEndsInZeroesWhereItIsTooShortAndIsCutOffWhereItIsTooLong) {
+    for (const Bytes& stored : {Bytes{1, 2, 3, 4, 5}, Bytes{1, 2, 3, 4, 5, 0, 0, 0, 9, 9}}) {
+        const TemporaryFile file(stored);
+        ImageCall call = CallForGrey(file, 2, 2, 2);
+
+        EXPECT_EQ(TakeImage(call.Run()).bytes, (Bytes{1, 2, 3, 4, 5, 0, 0, 0}));
+        EXPECT_EQ(call.rangeMax, 5);
+    }
+}
+
+// Samples of 0 and 1 stand for 0 + v / 255, which rounds to black; 254 and 255 stand for 254 + v / 255: white.
+TEST(PipelineResults, TheDisplayRangeIs0To3OfBlackAnd762To765OfWhite) {
+    const TemporaryFile dark(Bytes{0, 1});
+    const TemporaryFile bright(Bytes{254, 255});
+    ImageCall black = CallForGrey(dark, 2, 1, 1);
+    ImageCall white = CallForGrey(bright, 2, 1, 1);
+    black.keepChannelsApart = white.keepChannelsApart = 1;
+
+    EXPECT_EQ(TakeImage(black.Run()).bytes, Bytes(6, 0));
+    EXPECT_EQ(black.outMin, 0);
+    EXPECT_EQ(black.outMax, 3);
+    EXPECT_EQ(TakeImage(white.Run()).bytes, Bytes(6, 255));
+    EXPECT_EQ(white.outMin, 762);
+    EXPECT_EQ(white.outMax, 765);
+}
+
 TEST(PipelineResults, AFileThatIsNamedOnceIsAColour) {
     const TemporaryFile file(Bytes{0, 255});
     ImageCall red = {.red = file.Name(), .width = 2};
