@@ -72,7 +72,9 @@ void AlignedViewsOfEverySizeUpTo70(Visit& visit) {
 
 // The same at random, and a hundred thousand of them for each kernel where tests are long.
 void AlignedViewsOfRandomVolumesAtRandom(Visit& visit) {
-    RandomSource random(5);
+    const std::uint32_t seed = SeedOr(5);
+    SCOPED_TRACE(::testing::Message() << "seed " << seed);
+    RandomSource random(seed);
     const int volumes = AreTestsLong() ? 20000 : 8;
     for (int index = 0; index < volumes; ++index) {
         const int longest = random.Chance(8) ? 70 : 20;
