@@ -8,7 +8,8 @@
 // floats, not at all. Rounding adds up to 2^-9 (sizes are below 2^16). A coordinate goes to the next voxel at a
 // fraction of 0.51, so all samples of a ray have the voxel of its place. Faces of the crop box are multiples of 1/4:
 // the ends of rays at an inner place, which is on neither face, are surely between the faces, and so they hit none of
-// them.
+// them. Where rays do not stray at all, both ends are at the place itself: on a face, too, they are between the faces,
+// and hit none of them.
 //
 // The other axes. Every rounded operation is monotone, and so are the entry points on b, the first sample points, all
 // later ones and the voxels nearest to them, in the place. Where they are the same at two places, they are the same
@@ -72,13 +73,14 @@ bool ViewLines::FindPaths() {
     lone_ = platform::HeapArray<LinePixel>(static_cast<std::size_t>(mostLone_));
     if (!lines_ || !lone_) return false;
 
-    firstLine_ = lines;
-    for (std::int32_t line = 0; line < lines; ++line) {
+    for (std::int32_t line = 0; line < lines; ++line)
         lines_[static_cast<std::size_t>(line)] = {};
-        if (first_ <= last_ && !FollowLine(line)) return false;
-        if (Line(line).samples == 0) continue;
-        if (line < firstLine_) firstLine_ = line;
-        lastLine_ = line;
+    firstLine_ = lines;
+    if (first_ > last_) return true;
+    ChooseEnds();
+    const std::int32_t together = kRays / endCount_;
+    for (std::int32_t line = 0; line < lines; line += together) {
+        if (!FollowLines(line, together < lines - line ? together : lines - line)) return false;
     }
     return true;
 }
@@ -89,9 +91,6 @@ void ViewLines::FindLivePlaces() {
     const auto isInside = [&](std::int32_t place) {
         return CentredAt(place) >= low && CentredAt(place) <= high;
     };
-    const auto isOnFace = [&](std::int32_t place) {
-        return CentredAt(place) == low || CentredAt(place) == high;
-    };
     first_ = 0;
     last_ = (along_ == 0 ? view_.outputWidth : view_.outputHeight) - 1;
     while (first_ <= last_ && !isInside(first_))
@@ -99,39 +98,70 @@ void ViewLines::FindLivePlaces() {
     while (first_ <= last_ && !isInside(last_))
         --last_;
     if (first_ > last_) return;
-    innerFirst_ = first_ + (isOnFace(first_) ? 1 : 0);
-    innerLast_ = last_ - (isOnFace(last_) ? 1 : 0);
     const std::int32_t voxel = NearestVoxel(CentredAt(first_) + view_.volumeCentre[axis_], sizes_[axis_]);
     shift_ = isReversed_ ? voxel + first_ : voxel - first_;
 }
 
-// Compares the ends of a line. False where there are too many rays by themselves.
-bool ViewLines::FollowLine(std::int32_t line) {
-    // Set up its last two pixels at both ends.
-    const bool hasInner = innerFirst_ <= innerLast_;
-    const LinePixel pixels[4] = {{line, hasInner ? innerFirst_ : first_},
-                                 {line, hasInner ? innerLast_ : first_},
-                                 {line, first_},
-                                 {line, last_}};
+// The first and the last inner place; then those of all, which are others where they are on a face.
+void ViewLines::ChooseEnds() {
+    const auto isInner = [&](std::int32_t place) {
+        return LiesExactly()
+               || (CentredAt(place) != view_.CropLow(axis_) && CentredAt(place) != view_.CropHigh(axis_));
+    };
+    const std::int32_t first = isInner(first_) ? first_ : first_ + 1;
+    const std::int32_t last = isInner(last_) ? last_ : last_ - 1;
+    const bool hasInner = first <= last;
+    ends_[0] = hasInner ? first : first_;
+    ends_[1] = hasInner ? last : first_;
+    ends_[2] = first_;
+    ends_[3] = last_;
+    endCount_ = ends_[0] == first_ && ends_[1] == last_ ? 2 : 4;
+}
+
+// Whether rays run at their place on the volume axis, without any rounding.
+bool ViewLines::LiesExactly() const {
+    return Size(view_.Inverse(axis_, along_)) == 1 && view_.Inverse(axis_, 1 - along_) == 0
+           && view_.Inverse(axis_, 2) == 0;
+}
+
+// Compares the ends of as many lines as can be set up together. False where there are too many rays by themselves.
+bool ViewLines::FollowLines(std::int32_t line, std::int32_t count) {
+    LinePixel pixels[kRays];
     std::int32_t first[kRays];
     std::int32_t samples[kRays];
-    Trim(pixels, 4, first, samples);
-    Path paths[4];
-    for (int number = 0; number < 4; ++number)
-        paths[number] = {pixels[number], first[number], samples[number]};
+    for (std::int32_t number = 0; number < count * endCount_; ++number)
+        pixels[number] = {line + number / endCount_, ends_[number % endCount_]};
+    Trim(pixels, count * endCount_, first, samples);
 
-    // Let the first speak for those between.
-    if (!IsUniform(paths[0], paths[1])) return AddLone(line, first_, last_);
-    if (samples[0] > 0) {
+    for (std::int32_t next = 0; next < count; ++next) {
+        Path paths[4];
+        for (std::int32_t end = 0; end < endCount_; ++end) {
+            const std::int32_t number = next * endCount_ + end;
+            paths[end] = {pixels[number], first[number], samples[number]};
+        }
+        if (!FollowLine(line + next, paths)) return false;
+        if (Line(line + next).samples == 0) continue;
+        if (line + next < firstLine_) firstLine_ = line + next;
+        lastLine_ = line + next;
+    }
+    return true;
+}
+
+bool ViewLines::FollowLine(std::int32_t line, const Path* paths) {
+    // Let the first inner ray speak for those up to the last one.
+    const Path& path = paths[0];
+    if (!IsUniform(path, paths[1])) return AddLone(line, first_, last_);
+    if (path.samples > 0) {
         ViewLine& kept = lines_[static_cast<std::size_t>(line)];
         for (int number = 0; number < 2; ++number)
-            kept.start[number] = StartOf(pixels[0], across_[number], first[0], samples[0]);
-        kept.samples = SamplesToTake(samples[0]);
+            kept.start[number] = StartOf(path.pixel, across_[number], path.first, path.samples);
+        kept.samples = SamplesToTake(path.samples);
     }
 
     // Pixels on a face are like them, or alone.
-    if (!AreSame(paths[0], paths[2]) && !AddLone(line, first_, first_)) return false;
-    return first_ == last_ || AreSame(paths[0], paths[3]) || AddLone(line, last_, last_);
+    if (endCount_ == 2) return true;
+    if (!AreSame(path, paths[2]) && !AddLone(line, first_, first_)) return false;
+    return first_ == last_ || AreSame(path, paths[3]) || AddLone(line, last_, last_);
 }
 
 bool ViewLines::IsUniform(const Path& from, const Path& to) const {

@@ -79,8 +79,11 @@ private:
     };
 
     bool LiesAlong(int axis, int picture) const;
+    bool LiesExactly() const;
     void FindLivePlaces();
-    bool FollowLine(std::int32_t line);
+    void ChooseEnds();
+    bool FollowLines(std::int32_t line, std::int32_t count);
+    bool FollowLine(std::int32_t line, const Path* paths);
     bool IsUniform(const Path& from, const Path& to) const;
     bool HaveSameEntries(const LinePixel& a, const LinePixel& b) const;
     bool HaveSameRanges(const Path& from, const Path& to) const;
@@ -111,9 +114,8 @@ private:
     std::int32_t shift_ = 0;
     std::int32_t first_ = 0;
     std::int32_t last_ = -1;
-    std::int32_t innerFirst_ =
-        0; // places that lie inside the crop box on the volume axis, and on neither face
-    std::int32_t innerLast_ = -1;
+    std::int32_t ends_[4] = {}; // places by which lines are judged: see ChooseEnds
+    std::int32_t endCount_ = 0;
     std::int32_t firstLine_ = 0;
     std::int32_t lastLine_ = -1;
     std::int32_t loneCount_ = 0;
