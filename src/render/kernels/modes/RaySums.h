@@ -20,6 +20,18 @@ struct RaySums {
     Sums recent;
     std::int32_t stretches; // that `recent` holds
 
+    RaySums() = default;
+    RaySums(const RaySums&) = default;
+    // Member by member: copied as a block, it would wait for members that have just been stored.
+    Z3D_INLINE RaySums& operator=(const RaySums& other) {
+#pragma GCC unroll 4
+        for (int part = 0; part < kParts; ++part)
+            total[part] = other.total[part];
+        recent = other.recent;
+        stretches = other.stretches;
+        return *this;
+    }
+
     Z3D_INLINE void Add(Bytes bytes, bool isExact) { Add(Widen(bytes), isExact); }
     Z3D_INLINE void Add(const Sums& numbers, bool isExact) {
         recent = recent + numbers;

@@ -53,26 +53,35 @@ struct Blend : NothingPending {
     Looks looks = {.initial = kLowestFloat, .measure = Measure::Largeness};
     typename Format::Window window;
     double opacity;
+    // Black weighs 0 and leaves what is behind it as it is: rays whose voxel is not accepted are given black. For an
+    // opacity from 0 to 1 weights are from 0 to 1 (that of white may be 3e-8 more, and white then adds 255), so blends
+    // are sums from +0 on, and adding 0 changes no bit. Others may lead anywhere, even to the initial value, which
+    // ends with the next accepted voxel, black too: there rays are put back, and black counts.
+    bool hasNeutralBlack;
 
     explicit Blend(const Projection& projection)
         : window(WindowOf<Format>(projection, WindowTest::Skipping)),
-          opacity(OpacityOf(projection.arguments.extra)) {}
+          opacity(OpacityOf(projection.arguments.extra)),
+          hasNeutralBlack(opacity >= 0 && opacity <= 1) {}
 
     Z3D_INLINE void Sample(const typename Format::Sample& voxels, const SamplePlace&, Bytes accepted,
                            State& state) const {
         if (!AnySet(accepted)) return;
         state.isFound |= accepted;
-        if (!HasNeutralBlack()) [[unlikely]] {
+        if (!hasNeutralBlack) [[unlikely]] {
             CoverAccepted(voxels, accepted, state);
             return;
         }
         typename Format::Sample shown;
-        for (int c = 0; c < kChannels; ++c)
+        Bytes largest = {};
+        for (int c = 0; c < kChannels; ++c) {
             shown.channel[c] = voxels.channel[c] & accepted;
-        Cover(shown, state);
+            largest |= shown.channel[c];
+        }
+        if (AnySet(~AreEqual(largest, Bytes{}))) Cover(shown, state);
     }
     Z3D_INLINE Bytes Settled(const State& state, const Bytes (&)[3]) const {
-        return HasNeutralBlack() ? state.isFound & AllBytes(1) : Bytes{};
+        return hasNeutralBlack ? state.isFound & AllBytes(1) : Bytes{};
     }
     Z3D_INLINE RayPixels<kChannels> Finish(const State& state) const {
         RayPixels<kChannels> pixels;
@@ -82,12 +91,6 @@ struct Blend : NothingPending {
     }
 
 private:
-    // Black weighs 0 and leaves what is behind it as it is: rays whose voxel is not accepted are given black. For an
-    // opacity from 0 to 1 weights are from 0 to 1 (that of white may be 3e-8 more, and white then adds 255), so blends
-    // are sums from +0 on, and adding 0 changes no bit. Others may lead anywhere, even to the initial value, which
-    // ends with the next accepted voxel, black too: there rays are put back, and black counts.
-    Z3D_INLINE bool HasNeutralBlack() const { return opacity >= 0 && opacity <= 1; }
-
     // (1 - w) * behind + w * value, in doubles, rounded once.
     Z3D_INLINE void Cover(const typename Format::Sample& voxels, State& state) const {
         const RayDoubles weights = WeightsOf(voxels, opacity);

@@ -121,14 +121,17 @@ void Finish(const Rule& rule, const std::byte* own, const PixelTarget& target) {
 
 constexpr std::size_t kSmallState = 128;
 
-// Groups whose states are in registers together, at least; and at most, where there are as many and a sample costs
-// little beside finding it.
+// Groups that are reduced together, at least: finding a sample serves for all of them, and arithmetic on few vectors
+// need not wait for itself. And at most, where their states are in registers.
 template <Mode M>
-constexpr std::int32_t kGroupsTogether = sizeof(typename M::State) > 32 ? 1
-                                         : M::kEndsRays                 ? 4
-                                                                        : 2;
+constexpr bool kIsLarge = sizeof(typename M::State) > kSmallState
+                          && sizeof(typename M::State) > 3 * Z3D_VECTOR_BYTES;
+template <Mode M>
+constexpr std::int32_t kGroupsTogether = M::Format::kChannels > 1 || kIsLarge<M> ? 1 : 2;
 template <Mode M, bool kIsFull>
-constexpr std::int32_t kMostTogether = (kIsFull && kGroupsTogether<M> == 2) ? 4 : kGroupsTogether<M>;
+constexpr std::int32_t kMostTogether = (kIsFull && !M::kEndsRays && sizeof(typename M::State) <= 32)
+                                           ? 2 * kGroupsTogether<M>
+                                           : kGroupsTogether<M>;
 
 // Sixteen colours are channel after channel where they were laid out for that.
 template <class Format, bool kIsPlanar>
@@ -243,8 +246,8 @@ bool ReduceRows(const Rule& rule, const VoxelRows& rows, std::byte* own) {
 template <Mode M>
 Z3D_INLINE Rule RuleOf(const M& mode, const typename M::Format::Source& voxels) {
     static_assert(sizeof(typename M::State) <= kMostStateBytes);
-    // Slabs of colours are one group wide.
-    static_assert(M::Format::kChannels == 1 || kGroupsTogether<M> == 1);
+    // Slabs are two groups wide, and those of colours one.
+    static_assert(kGroupsTogether<M> <= (M::Format::kChannels == 1 ? 2 : 1));
     Rule rule = {.mode = &mode,
                  .voxels = &voxels,
                  .shape = mode.shape,
