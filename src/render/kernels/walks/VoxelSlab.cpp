@@ -149,8 +149,12 @@ bool VoxelSlab::Allocate() {
 }
 
 void VoxelSlab::Fill(std::int32_t first, std::int32_t last) {
-    for (std::int32_t other = extent_.first[1]; other <= extent_.last[1]; ++other)
-        FillLayer(first, last, other);
+    const std::uint8_t* rows[2][kMostLanes];
+    FindRows(first, last, extent_.first[1], rows[extent_.first[1] % 2]);
+    for (std::int32_t other = extent_.first[1]; other <= extent_.last[1]; ++other) {
+        FindRows(first, last, other < extent_.last[1] ? other + 1 : other, rows[(other + 1) % 2]);
+        FillLayer(last - first + 1, other, rows[other % 2], rows[(other + 1) % 2]);
+    }
 }
 
 // The rows of the lanes; the last one stands for those that are left over.
@@ -164,19 +168,16 @@ void VoxelSlab::FindRows(std::int32_t first, std::int32_t last, std::int32_t oth
     }
 }
 
-void VoxelSlab::FillLayer(std::int32_t first, std::int32_t last, std::int32_t other) {
+// Transposes the rows of `used` lanes, and prefetches those of the next layer.
+void VoxelSlab::FillLayer(std::int32_t used, std::int32_t other, const std::uint8_t* const* rows,
+                          const std::uint8_t* const* nextRows) {
     const std::size_t rowBytes = RowBytes();
-    const std::uint8_t* rows[kMostLanes];
-    FindRows(first, last, other, rows);
-    const std::uint8_t* nextRows[kMostLanes];
-    FindRows(first, last, other < extent_.last[1] ? other + 1 : other, nextRows);
     std::uint8_t* lanes = memory_.Get() + static_cast<std::size_t>(other - extent_.first[1]) * layerBytes_;
     const bool isFolded = kCanFold && kRows > lanes_;
     const std::size_t columns = isFolded ? 2 * kColumns : kColumns;
     if (rowBytes < columns) return FillShortRows(rows, lanes);
 
-    // Transpose them, byte by byte. The last bytes overlap those before them rather than being read beyond the row.
-    const std::int32_t used = last - first + 1;
+    // Go byte by byte. The last bytes overlap those before them rather than being read beyond the row.
     const auto bytes = static_cast<std::size_t>(voxelBytes_);
     const auto apart = static_cast<std::size_t>(lanes_);
     const std::size_t end = (static_cast<std::size_t>(extent_.last[0]) + 1) * bytes;

@@ -47,7 +47,8 @@ private:
     }
     [[gnu::noinline]] void FindRows(std::int32_t first, std::int32_t last, std::int32_t other,
                                     const std::uint8_t* (&rows)[kMostLanes]) const;
-    void FillLayer(std::int32_t first, std::int32_t last, std::int32_t other);
+    void FillLayer(std::int32_t used, std::int32_t other, const std::uint8_t* const* rows,
+                   const std::uint8_t* const* nextRows);
     void FillShortRows(const std::uint8_t* const* rows, std::uint8_t* to) const;
 
     const VoxelGrid& grid_;
