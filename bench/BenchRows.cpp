@@ -42,6 +42,9 @@ std::vector<Row> GreyRows() {
         {"first hit", RenderModeFirstHit, 30, 40, 50, 0, 255, 0},
         {"first hit narrow", RenderModeFirstHit, 30, 40, 50, 100, 120, 0},
         {"first hit (-90,0,30)", RenderModeFirstHit, -90, 0, 30, 0, 255, 0},
+        {"first hit narrow (-90,0,30)", RenderModeFirstHit, -90, 0, 30, 100, 120, 0},
+        {"first hit upper (-90,0,30)", RenderModeFirstHit, -90, 0, 30, 80, 255, 0},
+        {"first hit lower (-90,0,30)", RenderModeFirstHit, -90, 0, 30, 0, 80, 0},
     };
 }
 
@@ -61,6 +64,8 @@ std::vector<Row> ColourRows() {
         {"blend", RenderModeBlend, 30, 40, 50, 0, 765, 0.9f},
         {"contrast", RenderModeContrast, 30, 40, 50, -1, 766, 0},
         {"first hit", RenderModeFirstHit, 30, 40, 50, 300, 765, 0},
+        {"first hit (-90,0,30)", RenderModeFirstHit, -90, 0, 30, 300, 765, 0},
+        {"first hit low (-90,0,30)", RenderModeFirstHit, -90, 0, 30, 0, 300, 0},
     };
 }
 

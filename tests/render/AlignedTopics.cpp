@@ -70,6 +70,24 @@ void AlignedViewsOfEverySizeUpTo70(Visit& visit) {
     }
 }
 
+// Lines are reduced in blocks of 128 or 256 voxels.
+void AlignedViewsOfLinesOfSeveralBlocks(Visit& visit) {
+    RandomSource random(6);
+    for (int axis = 0; axis < 3; ++axis) {
+        for (const int length : {129, 257, 300}) {
+            VolumeSize sides = RandomSize(random, 9, visit.BytesPerVoxel());
+            int* const chosen[] = {&sides.width, &sides.height, &sides.depth};
+            *chosen[axis] = length;
+            visit.Show(NoiseVolume(sides, static_cast<std::uint32_t>(length)));
+            const double cosine = kCosinesOf90[static_cast<std::size_t>(random.Below(3))];
+            const Rotation rotation = Turntable(axis, FromHalfTangent(random.Unit() * 2 - 1),
+                                                random.Below(16), cosine, random.Chance(2));
+            visit.See(visit.View(rotation));
+            SeeSomehow(visit, rotation, random);
+        }
+    }
+}
+
 // The same at random, and a hundred thousand of them for each kernel where tests are long.
 void AlignedViewsOfRandomVolumesAtRandom(Visit& visit) {
     const std::uint32_t seed = SeedOr(5);
@@ -202,6 +220,7 @@ std::vector<Topic> AlignedTopics() {
         {"AlignedViewsAtEveryCombinationOfRightAngles", AlignedViewsAtEveryCombinationOfRightAngles},
         {"AlignedViewsOfTurntablesAtWholeDegrees", AlignedViewsOfTurntablesAtWholeDegrees},
         {"AlignedViewsOfEverySizeUpTo70", AlignedViewsOfEverySizeUpTo70},
+        {"AlignedViewsOfLinesOfSeveralBlocks", AlignedViewsOfLinesOfSeveralBlocks},
         {"AlignedViewsOfRandomVolumesAtRandom", AlignedViewsOfRandomVolumesAtRandom},
         {"NearAxisViewsTiltedByAMillionthOfADegreeAndMore", NearAxisViewsTiltedByAMillionthOfADegreeAndMore},
         {"NearAxisViewsTiltedAboutTwoAxes", NearAxisViewsTiltedAboutTwoAxes},

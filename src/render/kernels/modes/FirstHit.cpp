@@ -26,8 +26,8 @@ struct Hit : NothingPending {
     typename Format::Window window;
 
     explicit Hit(const Projection& projection) : window(WindowOf<Format>(projection, WindowTest::Inclusive)) {
-        // Every ray ends with its first sample: the second would only wait for memory.
-        if (window.IsFull()) looks.first = 1;
+        // Every ray ends with its first sample.
+        if (window.IsFull()) shape.sampleLimit = 1;
     }
 
     Z3D_INLINE void Sample(const typename Format::Sample& voxels, const SamplePlace&, Bytes accepted,

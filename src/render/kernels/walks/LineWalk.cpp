@@ -4,30 +4,38 @@ namespace z3d::render::Z3D_ISA {
 namespace {
 
 constexpr int kAxisX = 0;
+constexpr int kAxisY = 1;
 
 std::int32_t SizeOf(const VoxelGrid& grid, int axis) {
     return axis == 0 ? grid.width : axis == 1 ? grid.height : grid.depth;
 }
 
-// The grid that lines lead through: on the first axis what lies side by side, then the two others.
-VoxelGrid GridOf(const VoxelGrid& grid, const Rule& rule, const ViewLines& lines) {
-    return {nullptr, lines.Axis() == kAxisX ? grid.width : VoxelSlab::LanesOf(rule.voxelBytes),
-            SizeOf(grid, lines.Across(0)), SizeOf(grid, lines.Across(1))};
+} // namespace
+
+// Voxels of y and z lie far apart. Laying all of them out takes longer than picking out one for each ray.
+LineWalk::Source LineWalk::SourceOf(const Rule& rule, const ViewLines& lines) {
+    if (lines.Axis() == kAxisX) return Source::Rows;
+    return rule.shape.sampleLimit == 1 ? Source::Picked : Source::Slab;
 }
 
-SampleStepper StepperOf(const Projection& projection, const Rule& rule, const ViewLines& lines) {
+// Through a grid that has on its first axis what lies side by side, then the two others.
+SampleStepper LineWalk::StepperOf(const Projection& projection, const Rule& rule, const ViewLines& lines) {
+    const Source source = SourceOf(rule, lines);
+    const std::int32_t width = source == Source::Rows   ? projection.grid.width
+                               : source == Source::Slab ? VoxelSlab::LanesOf(rule.voxelBytes)
+                                                        : 1;
+    const VoxelGrid grid = {nullptr, width, SizeOf(projection.grid, lines.Across(0)),
+                            SizeOf(projection.grid, lines.Across(1))};
     const float steps[3] = {0, projection.view.Inverse(lines.Across(0), 2),
                             projection.view.Inverse(lines.Across(1), 2)};
-    return {GridOf(projection.grid, rule, lines), rule.shape, steps};
+    return {grid, rule.shape, steps};
 }
-
-} // namespace
 
 LineWalk::LineWalk(const Projection& projection, const Rule& rule, const ViewLines& lines)
     : projection_(projection),
       rule_(rule),
       lines_(lines),
-      isDirect_(lines.Axis() == kAxisX),
+      source_(SourceOf(rule, lines)),
       // Sixteen lines of states have to fit.
       mostGroups_(static_cast<std::size_t>(rule.stateBytes) * kRays * kMostGroups <= kStateBytes
                       ? kMostGroups
@@ -72,10 +80,10 @@ VoxelSlab::Extent LineWalk::ExtentOf(const Projection& projection, const Rule& r
 void LineWalk::Render() {
     FillAround();
     if (lines_.FirstLine() > lines_.LastLine()) return;
-    if (isDirect_) {
-        RenderRows();
-    } else {
+    if (source_ == Source::Slab) {
         RenderSlabs();
+    } else {
+        RenderRows();
     }
 }
 
@@ -131,12 +139,13 @@ void LineWalk::ChooseGroups(std::int32_t first, std::int32_t most) {
 
     // Rules that reduce several groups at once get whole numbers of them; what is too many is not shown.
     rows_.groups = (needed + together - 1) / together * together;
-    // A slab keeps each channel of a voxel by itself; rows of the volume hold whole voxels.
-    rows_.channelBytes = isDirect_ || rule_.voxelBytes == 1 ? 0 : static_cast<std::size_t>(slab_.Lanes());
+    // A slab keeps each channel of a voxel by itself; the others hold whole voxels.
+    const bool isPlanar = source_ == Source::Slab && rule_.voxelBytes > 1;
+    rows_.channelBytes = isPlanar ? static_cast<std::size_t>(slab_.Lanes()) : 0;
     for (std::int32_t group = 0; group < rows_.groups; ++group) {
         base_[group] = first + group * kRays;
-        rows_.offsets[group] = group * kRays;
-        if (!isDirect_) continue;
+        rows_.offsets[group] = group * kRays * (isPlanar ? 1 : rule_.voxelBytes);
+        if (source_ != Source::Rows) continue;
         if (base_[group] + kRays > width) base_[group] = width < kRays ? 0 : width - kRays;
         rows_.offsets[group] = base_[group] * rule_.voxelBytes;
     }
@@ -179,19 +188,42 @@ void LineWalk::ReduceLines() {
     }
 }
 
-// The line of voxels of each sample. Short rows are copied to where sixteen voxels can be read.
+// The line of voxels of each sample.
 void LineWalk::FindVoxels(int row, int samples) {
+    if (source_ == Source::Picked) {
+        const auto x = static_cast<std::int32_t>(indexes_.plane[0][row]);
+        const auto other = static_cast<std::int32_t>(indexes_.z[0][row]);
+        rows_.voxels[0] = picked_;
+        return rule_.voxelBytes == 1 ? PickVoxels<1>(x, other) : PickVoxels<3>(x, other);
+    }
     const auto bytes = static_cast<std::size_t>(rule_.voxelBytes);
     for (int sample = 0; sample < samples; ++sample) {
         const std::uint32_t layer = indexes_.z[sample][row];
-        const std::uint8_t* voxels = isDirect_ ? projection_.grid.slices[layer] : slab_.LanesAt(layer);
+        const std::uint8_t* voxels =
+            source_ == Source::Rows ? projection_.grid.slices[layer] : slab_.LanesAt(layer);
         rows_.voxels[sample] = voxels + bytes * indexes_.plane[sample][row];
     }
-    const auto width = static_cast<std::size_t>(projection_.grid.width);
-    if (!isDirect_ || width >= kRays) return;
+    if (source_ == Source::Rows && projection_.grid.width < kRays) FindShortRows(samples);
+}
+
+// Short rows are copied to where sixteen voxels can be read.
+void LineWalk::FindShortRows(int samples) {
+    const auto bytes =
+        static_cast<std::size_t>(projection_.grid.width) * static_cast<std::size_t>(rule_.voxelBytes);
     for (int sample = 0; sample < samples; ++sample) {
-        __builtin_memcpy(shortRows_[sample], rows_.voxels[sample], bytes * width);
+        __builtin_memcpy(shortRows_[sample], rows_.voxels[sample], bytes);
         rows_.voxels[sample] = shortRows_[sample];
+    }
+}
+
+// Those of the block at x and at an index on the axis that is left.
+template <int kBytes>
+void LineWalk::PickVoxels(std::int32_t x, std::int32_t other) {
+    std::uint8_t* to = picked_;
+    for (std::int32_t voxel = blockFirst_; voxel <= blockLast_; ++voxel, to += kBytes) {
+        const std::uint8_t* from = lines_.Axis() == kAxisY ? projection_.grid.At<kBytes>(x, voxel, other)
+                                                           : projection_.grid.At<kBytes>(x, other, voxel);
+        __builtin_memcpy(to, from, kBytes);
     }
 }
 

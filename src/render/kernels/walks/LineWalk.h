@@ -2,7 +2,8 @@
 // reduced whole, sixteen voxels at a time.
 //
 // What is reduced next lies near in memory: sixteen lines go side by side, sixteen samples deep, over up to 256
-// pixels. Lines of x are rows of voxels; those of y and z are laid out first, a slab at a time.
+// pixels. Lines of x are rows of voxels; those of y and z are laid out first, a slab at a time, or picked out voxel by
+// voxel where rays take no more than one.
 #pragma once
 
 #include "render/kernels/sampling/SampleStepper.h"
@@ -18,14 +19,18 @@ public:
     LineWalk(const Projection& projection, const Rule& rule, const ViewLines& lines);
 
     // False, with nothing rendered, where memory is short.
-    bool Prepare() { return isDirect_ || slab_.Allocate(); }
+    bool Prepare() { return source_ != Source::Slab || slab_.Allocate(); }
 
     // All but the pixels that are rays by themselves, which get the initial value at most.
     void Render();
 
 private:
+    enum class Source { Rows, Slab, Picked }; // of the voxels of a line
+
     static constexpr std::size_t kStateBytes = 64 << 10;
 
+    static Source SourceOf(const Rule& rule, const ViewLines& lines);
+    static SampleStepper StepperOf(const Projection& projection, const Rule& rule, const ViewLines& lines);
     static VoxelSlab::Extent ExtentOf(const Projection& projection, const Rule& rule, const ViewLines& lines);
 
     void FillAround();
@@ -35,6 +40,9 @@ private:
     void StartLines(std::int32_t line);
     void ReduceLines();
     void FindVoxels(int row, int samples);
+    void FindShortRows(int samples);
+    template <int kBytes>
+    void PickVoxels(std::int32_t x, std::int32_t other);
     void FinishLines(std::int32_t line);
     void FinishGroup(std::int32_t line, std::int32_t group, const std::byte* state);
     std::byte* StatesOf(int row) { return states_ + row * rows_.groups * rule_.stateBytes; }
@@ -42,7 +50,7 @@ private:
     const Projection& projection_;
     const Rule& rule_;
     const ViewLines& lines_;
-    const bool isDirect_; // voxels side by side in memory are so in the picture
+    const Source source_;
     const std::int32_t mostGroups_;
     VoxelSlab slab_;
     const SampleStepper stepper_;
@@ -57,6 +65,7 @@ private:
     Indexes indexes_;
     VoxelRows rows_ = {};
     std::uint8_t shortRows_[kSamples][kRays * 3] = {};
+    std::uint8_t picked_[kMostGroups * kRays * 3] = {};
     alignas(64) std::byte states_[kStateBytes];
 };
 

@@ -66,10 +66,14 @@ void PacketWalk::RenderTile(std::int32_t band, std::int32_t rows, std::int32_t l
     }
 }
 
+bool PacketWalk::HasMuchToSkip() {
+    return !IsOptional() || EstimateFruitless() * kVoxelsPerSample >= table_.SampledVoxels();
+}
+
 void PacketWalk::PrepareSkipping() {
     if (!table_.IsPossible()) return;
     // The table takes time of its own. It is made where what it can save at most is more than that.
-    if (IsOptional() && EstimateFruitless() * kVoxelsPerSample < table_.SampledVoxels()) return;
+    if (!HasMuchToSkip()) return;
     isSkipping_ = table_.Make();
     // A ray that has the highest value there is has ended, whether or not stretches are passed over.
     for (int c = 0; c < 3; ++c)

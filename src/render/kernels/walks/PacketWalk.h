@@ -12,6 +12,9 @@ class PacketWalk {
 public:
     PacketWalk(const Projection& projection, const Rule& rule);
 
+    // Whether samples that change no ray take more time than a table of bounds. Renders a few packets to find out.
+    bool HasMuchToSkip();
+
     // Before Render: makes a table of bounds if it promises to save more than it costs.
     void PrepareSkipping();
 

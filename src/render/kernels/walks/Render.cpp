@@ -17,6 +17,10 @@ void TrimRays(const ProjectionRenderer& view, const double* x, const double* y, 
         setup.Trim(LoadDoubles(x + ray), LoadDoubles(y + ray), first + ray, samples + ray);
 }
 
+[[gnu::noinline]] bool HasMuchToSkip(const Projection& projection, const Rule& rule) {
+    return PacketWalk(projection, rule).HasMuchToSkip();
+}
+
 [[gnu::noinline]] bool RenderPaths(const Projection& projection, const Rule& rule, const ViewLines& lines) {
     LineWalk walk(projection, rule, lines);
     if (!walk.Prepare()) return false;
@@ -32,9 +36,9 @@ void TrimRays(const ProjectionRenderer& view, const double* x, const double* y, 
                                  .samplesPastEnd = rule.shape.samplesPastEnd,
                                  .sampleLimit = rule.shape.sampleLimit});
     if (!lines.FindAxes()) return false;
-    // Rays that mostly end with their first samples, of which few are looked at, leave nothing to gain by laying all
-    // voxels out anew.
-    if (lines.Axis() != 0 && rule.looks.first < kSamples) return false;
+    // Laying all voxels out anew does not pay where nearly all rays end with their first samples.
+    const bool isLaidOut = lines.Axis() != 0 && rule.shape.sampleLimit > 1;
+    if (isLaidOut && rule.looks.first < kSamples && !HasMuchToSkip(projection, rule)) return false;
     // Then the paths, which take memory, and the pixels that share none.
     if (!lines.FindPaths()) return false;
     if (!RenderPaths(projection, rule, lines)) return false;
@@ -78,8 +82,8 @@ void FillImage(const Projection& projection, const Rule& rule) {
 
 } // namespace
 
-// From the fastest walk to the one that can do everything. Each says for itself whether it can, before it has touched
-// the image, so that the next one starts from nothing.
+// From the fastest walk to the one that can do everything. Each says for itself whether it can, before it has rendered
+// anything that the next one would not render again.
 void Render(const Projection& projection, const Rule& rule) {
     // No voxel counts: no ray needs to be followed.
     if (rule.isEmpty) return FillImage(projection, rule);
