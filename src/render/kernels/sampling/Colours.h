@@ -60,9 +60,10 @@ Z3D_INLINE Sums NarrowWords(const Uints (&words)[kWordParts]) {
 Z3D_INLINE Uints RedAndBlue(Uints words) { return words & 0x00FF00FFu; }
 Z3D_INLINE Uints GreenAndRest(Uints words) { return words >> 8 & 0x00FF00FFu; }
 
-// The sum of the two 16-bit numbers of each word.
+// The sum of the two 16-bit numbers of each word, which are below 2^15.
 Z3D_INLINE Uints AddHalves(Uints words) {
-    return RowTimesWidth(reinterpret_cast<Ints>(words), Ints{}, FactorsFor(0x10001));
+    constexpr std::int32_t kOneEach = 0x10001;
+    return reinterpret_cast<Uints>(MultiplyHalves(reinterpret_cast<Ints>(words), kOneEach - Ints{}));
 }
 
 // The sums of the channels of sixteen words.

@@ -87,20 +87,23 @@ Z3D_INLINE Ints IsAbove(Floats a, Floats b) {
 Z3D_INLINE Ints Truncate(Floats value) { return __builtin_convertvector(value, Ints); }
 Z3D_INLINE Floats ToFloats(Ints value) { return __builtin_convertvector(value, Floats); }
 
-// row * width + column, for rows and widths below 2^15: halves of words are multiplied, and the upper ones are 0.
+// The sum of the products of the lower and of the upper halves of each word, which count as signed.
+Z3D_INLINE Ints MultiplyHalves(Ints a, Ints b) {
+#if Z3D_VECTOR_BYTES == 64
+    return reinterpret_cast<Ints>(
+        _mm512_madd_epi16(reinterpret_cast<__m512i>(a), reinterpret_cast<__m512i>(b)));
+#elif Z3D_VECTOR_BYTES == 32
+    return reinterpret_cast<Ints>(
+        _mm256_madd_epi16(reinterpret_cast<__m256i>(a), reinterpret_cast<__m256i>(b)));
+#else
+    return reinterpret_cast<Ints>(_mm_madd_epi16(reinterpret_cast<__m128i>(a), reinterpret_cast<__m128i>(b)));
+#endif
+}
+
+// row * width + column, for rows and widths below 2^15: upper halves are 0.
 Z3D_INLINE Ints FactorsFor(std::uint32_t width) { return static_cast<std::int32_t>(width) - Ints{}; }
 Z3D_INLINE Uints RowTimesWidth(Ints row, Ints column, Ints factors) {
-#if Z3D_VECTOR_BYTES == 64
-    const auto products = reinterpret_cast<Ints>(
-        _mm512_madd_epi16(reinterpret_cast<__m512i>(row), reinterpret_cast<__m512i>(factors)));
-#elif Z3D_VECTOR_BYTES == 32
-    const auto products = reinterpret_cast<Ints>(
-        _mm256_madd_epi16(reinterpret_cast<__m256i>(row), reinterpret_cast<__m256i>(factors)));
-#else
-    const auto products = reinterpret_cast<Ints>(
-        _mm_madd_epi16(reinterpret_cast<__m128i>(row), reinterpret_cast<__m128i>(factors)));
-#endif
-    return reinterpret_cast<Uints>(products + column);
+    return reinterpret_cast<Uints>(MultiplyHalves(row, factors) + column);
 }
 
 // The value after a round trip through single precision.

@@ -35,9 +35,10 @@ void PacketWalk::Render(std::int32_t firstRow) {
 }
 
 void PacketWalk::RenderAgain(float value) {
-    again_ = &value;
+    isAgain_ = true;
+    again_ = value;
     Render(rule_.shape.border);
-    again_ = nullptr;
+    isAgain_ = false;
 }
 
 // Whether a pixel of the rectangle is one to render again.
@@ -46,14 +47,14 @@ bool PacketWalk::IsAgain(std::int32_t top, std::int32_t rows, std::int32_t left,
     const std::int32_t right = Fewer(left + columns, rays_.Right());
     for (std::int32_t row = top; row < bottom; ++row) {
         for (std::int32_t column = left; column < right; ++column) {
-            if (*projection_.PixelAt(row, column) == *again_) return true;
+            if (*projection_.PixelAt(row, column) == again_) return true;
         }
     }
     return false;
 }
 
 void PacketWalk::RenderTile(std::int32_t band, std::int32_t rows, std::int32_t left, std::int32_t columns) {
-    if (again_ != nullptr && !IsAgain(band, rows, left, columns)) return;
+    if (isAgain_ && !IsAgain(band, rows, left, columns)) return;
     // Tiles that no ray through the crop box touches, as in the corners of most pictures, cost no packet.
     if (!rays_.Trim(left, columns)) {
         for (std::int32_t row = band; row < band + rows; ++row)
@@ -109,7 +110,7 @@ double PacketWalk::EstimateFruitless() {
 }
 
 void PacketWalk::RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile, std::int32_t column) {
-    if (again_ != nullptr && !IsAgain(band + row, kPacketSide, tile + column, kPacketSide)) return;
+    if (isAgain_ && !IsAgain(band + row, kPacketSide, tile + column, kPacketSide)) return;
     Packet packet;
     rays_.Gather(row, column, packet);
     // Zeroes are where every mode begins. Rays without samples keep them, and become the initial value.

@@ -44,7 +44,8 @@ private:
     const SampleStepper stepper_;
     BoundTable table_;
     const BoundLookup bounds_;
-    const float* again_ = nullptr; // the only value that is rendered again, if not all are
+    bool isAgain_ = false;
+    float again_ = 0; // then the only value that is rendered
     bool isSkipping_ = false;
     bool isProbing_ = false;
     bool wasFruitless_ = false;
