@@ -88,6 +88,22 @@ void AlignedViewsOfLinesOfSeveralBlocks(Visit& visit) {
     }
 }
 
+// Rays along and across an axis of more voxels than sums gather in 16 bits.
+void AlignedViewsThroughDeepVolumes(Visit& visit) {
+    for (int axis = 0; axis < 3; ++axis) {
+        VolumeSize sides = visit.Size(5, 4, 3);
+        int* const chosen[] = {&sides.width, &sides.height, &sides.depth};
+        *chosen[axis] = 600;
+        visit.Show(NoiseVolume(sides, static_cast<std::uint32_t>(axis)));
+        for (int turns = 0; turns < 16; ++turns) {
+            const double cosine = kCosinesOf90[static_cast<std::size_t>(turns % 3)];
+            const DoubleMatrix rotation = Product(AboutAxis(0, HostQuarters(turns, cosine)),
+                                                  AboutAxis(1, HostQuarters(turns / 4, cosine)));
+            visit.See(visit.View(Rounded(rotation)));
+        }
+    }
+}
+
 // The same at random, and a hundred thousand of them for each kernel where tests are long.
 void AlignedViewsOfRandomVolumesAtRandom(Visit& visit) {
     const std::uint32_t seed = SeedOr(5);
@@ -221,6 +237,7 @@ std::vector<Topic> AlignedTopics() {
         {"AlignedViewsOfTurntablesAtWholeDegrees", AlignedViewsOfTurntablesAtWholeDegrees},
         {"AlignedViewsOfEverySizeUpTo70", AlignedViewsOfEverySizeUpTo70},
         {"AlignedViewsOfLinesOfSeveralBlocks", AlignedViewsOfLinesOfSeveralBlocks},
+        {"AlignedViewsThroughDeepVolumes", AlignedViewsThroughDeepVolumes},
         {"AlignedViewsOfRandomVolumesAtRandom", AlignedViewsOfRandomVolumesAtRandom},
         {"NearAxisViewsTiltedByAMillionthOfADegreeAndMore", NearAxisViewsTiltedByAMillionthOfADegreeAndMore},
         {"NearAxisViewsTiltedAboutTwoAxes", NearAxisViewsTiltedAboutTwoAxes},
