@@ -71,10 +71,14 @@ struct Rule {
 };
 
 // The image without any contribution, in a part of a row.
-inline void FillWithInitial(const Projection& projection, const Rule& rule, std::int32_t row,
-                            std::int32_t first, std::int32_t end) {
+[[gnu::noinline]] inline void FillWithInitial(const Projection& projection, const Rule& rule,
+                                              std::int32_t row, std::int32_t first, std::int32_t end) {
     float* pixels = projection.PixelAt(row, 0);
-    for (std::int32_t index = 3 * first; index < 3 * end; ++index)
+    const Floats initial = AllFloats(rule.looks.initial);
+    std::int32_t index = 3 * first;
+    for (; index + kFloatLanes <= 3 * end; index += kFloatLanes)
+        Store(pixels + index, initial);
+    for (; index < 3 * end; ++index)
         pixels[index] = rule.looks.initial;
 }
 
