@@ -90,9 +90,6 @@ struct BestOfWords : BestScore {
 struct BestOfBytes : BestScore {
     struct Format : Grey {
         using Window = NoWindow;
-        Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
-            return window.Accepts(samples.sample[number]);
-        }
     };
     NoWindow window;
     NeighbourContrast contrast;

@@ -20,7 +20,9 @@ struct Grey {
     Z3D_INLINE static const Sample& SampleOf(const Samples& samples, int number) {
         return samples.sample[number];
     }
-    Z3D_INLINE static Bytes Accepts(const Window& window, const Samples& samples, int number) {
+    // Any window on bytes, for formats that have another one.
+    template <class ByteWindow>
+    Z3D_INLINE static Bytes Accepts(const ByteWindow& window, const Samples& samples, int number) {
         return window.Accepts(samples.sample[number]);
     }
     Z3D_INLINE static std::int32_t ValueOf(const std::uint8_t* voxel) { return voxel[0]; }
