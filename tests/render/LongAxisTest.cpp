@@ -114,6 +114,21 @@ TEST_P(LongAxes, RaysAcrossMoreThanAThousandVoxels) {
     }
 }
 
+// Turned about two axes, so that no line of pixels shares a path. Rays have more stretches than are put into an order
+// together.
+TEST_P(LongAxes, RaysThroughHundredsOfVoxels) {
+    RandomSource random(6);
+    for (int axis = 0; axis < 3; ++axis) {
+        const ComparedVolume compared(LongVolume(axis, {700, 12, 11}, 400, random));
+        for (const double degrees : {0.3, -0.2}) {
+            const DoubleMatrix along = LookingAlong(axis, random.Chance(2));
+            const DoubleMatrix turned = Product(AboutAxis(0, SmallAngle(0.4)), along);
+            ASSERT_TRUE(compared.IsRenderedAlike(ViewOf(compared.Plain(), Tilted(turned, 1, degrees))))
+                << "axis " << axis << ", " << degrees << " degrees";
+        }
+    }
+}
+
 // Crop bounds are 16-bit and signed: no crop reaches the last voxels, apart from the sample past its end.
 TEST_P(LongAxes, OfMoreVoxelsThanCropBoundsCanName) {
     RandomSource random(4);

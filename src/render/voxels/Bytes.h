@@ -23,6 +23,10 @@ Z3D_INLINE Bytes AreAbove(Bytes a, Bytes b) { return ~AreEqual(Larger(a, b), b);
 Z3D_INLINE Bytes OneMore(Bytes value) { return ToBytes(_mm_adds_epu8(Raw(value), _mm_set1_epi8(1))); }
 Z3D_INLINE unsigned BitsOf(Bytes mask) { return static_cast<unsigned>(_mm_movemask_epi8(Raw(mask))); }
 Z3D_INLINE bool AnySet(Bytes mask) { return BitsOf(mask) != 0; }
+Z3D_INLINE int SumOf(Bytes value) {
+    const __m128i halves = _mm_sad_epu8(Raw(value), _mm_setzero_si128());
+    return _mm_cvtsi128_si32(halves) + _mm_extract_epi16(halves, 4);
+}
 
 Z3D_INLINE Bytes LoadBytes(const std::uint8_t* from) {
     Bytes value;

@@ -39,7 +39,10 @@ struct ExtremeRows : Extreme<Format> {
 
 template <class Format>
 ExtremeRows<Format, kMaximum> MaximumOf(const typename Format::Window& window, const RayShape& shape) {
-    return {shape, {.initial = kLowestFloat, .measure = Measure::Largeness}, window, kMaximum};
+    return {shape,
+            {.initial = kLowestFloat, .measure = Measure::Largeness, .isBestFirst = true},
+            window,
+            kMaximum};
 }
 
 template <class Format>

@@ -14,10 +14,7 @@ Z3D_INLINE Bytes Wants(Bytes bound, const GreyExtreme::State& state) {
 }
 
 // How many bytes of a mask are set.
-Z3D_INLINE int CountOf(Bytes mask) {
-    const __m128i sums = _mm_sad_epu8(Raw(mask & AllBytes(1)), _mm_setzero_si128());
-    return _mm_cvtsi128_si32(sums) + _mm_extract_epi16(sums, 4);
-}
+Z3D_INLINE int CountOf(Bytes mask) { return SumOf(mask & AllBytes(1)); }
 
 // The bytes of a packet's pixels, which are four rows of four.
 template <int kColumns>

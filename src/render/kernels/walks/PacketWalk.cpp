@@ -117,7 +117,13 @@ void PacketWalk::RenderPacket(std::int32_t band, std::int32_t row, std::int32_t 
     states_.settled = Bytes{};
     states_.wasAccepted = Bytes{};
     __builtin_memset(states_.own, 0, static_cast<std::size_t>(rule_.stateBytes));
-    if (packet.longest > 0) FollowRays(packet, band + row, tile + column);
+    if (packet.longest > 0) {
+        if (isSkipping_ && rule_.looks.isBestFirst) {
+            FollowBestFirst(packet, band + row, tile + column);
+        } else {
+            FollowRays(packet, band + row, tile + column);
+        }
+    }
     FinishPacket(band + row, tile + column);
 }
 
@@ -150,6 +156,57 @@ void PacketWalk::FollowRays(const Packet& packet, std::int32_t top, std::int32_t
         const Bytes hasMore = AreEqual(Larger(remaining, more), remaining);
         if (!AnySet(hasMore & ~AreEqual(states_.settled, AllBytes(255)))) return;
     }
+}
+
+// Where the order of samples does not matter: what the most promising stretches hold settles many of the others.
+void PacketWalk::FollowBestFirst(const Packet& packet, std::int32_t top, std::int32_t left) {
+    Positions positions;
+    rays_.PlaceStarts(packet, top, left, positions);
+    for (std::int32_t done = 0;;) {
+        const int stretches = MarchOn(packet, done, positions);
+        while (StretchAhead* best = MostPromising(stretches)) {
+            Look(best->start, best->samples, best->remaining);
+            best->bounds = Bytes{};
+            ++looked_;
+        }
+        done += stretches * kSamples;
+        const Bytes hasMore = ~AreEqual(RemainingOf(packet, done), Bytes{});
+        if (!AnySet(hasMore & ~AreEqual(states_.settled, AllBytes(255)))) return;
+        stepper_.SkipStretch(positions);
+    }
+}
+
+// Marches through the next stretches, up to a chunk, or to one that promises as much as any can. Returns how many there
+// are; `positions` are those of the last one.
+int PacketWalk::MarchOn(const Packet& packet, std::int32_t done, Positions& positions) {
+    int stretches = 0;
+    Bytes lacks = AllBytes(255);
+    for (; stretches < kChunk && done < packet.longest && AnySet(lacks); done += kSamples) {
+        if (stretches > 0) stepper_.SkipStretch(positions);
+        StretchAhead& ahead = ahead_[stretches++];
+        ahead.start = positions;
+        ahead.remaining = RemainingOf(packet, done);
+        ahead.samples = Fewer(packet.longest - done, kSamples);
+        const Bytes hasMore = ~AreEqual(ahead.remaining, Bytes{});
+        ahead.bounds = bounds_.BoundsAt(positions) & hasMore;
+        lacks = hasMore & ~AreEqual(ahead.bounds, AllBytes(255));
+    }
+    asked_ += stretches;
+    return stretches;
+}
+
+// The stretch of the largest bounds among those that can change a ray; null without any.
+PacketWalk::StretchAhead* PacketWalk::MostPromising(int stretches) {
+    StretchAhead* best = nullptr;
+    std::int32_t most = 0;
+    for (StretchAhead* ahead = ahead_; ahead < ahead_ + stretches; ++ahead) {
+        if (!AnySet(AreAbove(ahead->bounds, states_.settled))) continue;
+        const std::int32_t promise = SumOf(ahead->bounds);
+        if (promise <= most) continue;
+        most = promise;
+        best = ahead;
+    }
+    return best;
 }
 
 void PacketWalk::FinishPacket(std::int32_t top, std::int32_t left) {

@@ -25,6 +25,16 @@ public:
     void RenderAgain(float value);
 
 private:
+    static constexpr int kChunk = 32; // stretches of a packet whose order is chosen together
+
+    // One that is not looked at yet: where its samples begin, what it can hold, and how many of them each ray has.
+    struct StretchAhead {
+        Positions start;
+        Bytes bounds; // 0 for rays without samples, and once it has been looked at
+        Bytes remaining;
+        int samples; // at most
+    };
+
     bool IsOptional() const { return projection_.skipPolicy == SkipPolicy::WhereItPays; }
     double EstimateFruitless();
     void RenderTile(std::int32_t band, std::int32_t rows, std::int32_t left, std::int32_t columns);
@@ -33,6 +43,9 @@ private:
     [[gnu::noinline]] void RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile,
                                         std::int32_t column);
     void FollowRays(const Packet& packet, std::int32_t top, std::int32_t left);
+    [[gnu::noinline]] void FollowBestFirst(const Packet& packet, std::int32_t top, std::int32_t left);
+    int MarchOn(const Packet& packet, std::int32_t done, Positions& positions);
+    StretchAhead* MostPromising(int stretches);
     void FinishPacket(std::int32_t top, std::int32_t left);
     void Probe(Positions& positions, int samples, Bytes remaining);
     void Look(Positions& positions, int samples, Bytes remaining);
@@ -54,6 +67,7 @@ private:
     std::int64_t looked_ = 0;    // and those that had to be looked at all the same
     Indexes indexes_;
     RayStates states_;
+    StretchAhead ahead_[kChunk];
 };
 
 } // namespace z3d::render::Z3D_ISA

@@ -14,8 +14,9 @@ namespace z3d::render::Z3D_ISA {
 struct Looks {
     float initial = kLowestFloat; // the pixel before, and without, a contribution
     Measure measure = Measure::Presence;
-    int first = kSamples; // samples that a packet takes before it asks which rays have ended
-    int later = kSamples; // and between later questions
+    bool isBestFirst = false; // packets look at their most promising stretches first: order does not matter
+    int first = kSamples;     // samples that a packet takes before it asks which rays have ended
+    int later = kSamples;     // and between later questions
 };
 
 constexpr std::size_t kMostStateBytes = 512;
