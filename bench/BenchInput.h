@@ -16,7 +16,9 @@ struct Options {
     bool loads = false;
 
     // Whether a row of this name is to be measured.
-    bool Wants(const std::string& name) const { return name.find(only) != std::string::npos; }
+    bool Wants(const std::string& name) const {
+        return only.starts_with('=') ? name == only.substr(1) : name.find(only) != std::string::npos;
+    }
 };
 
 struct Usage {

@@ -39,7 +39,7 @@ constexpr bench::Usage kUsage = {
     "  --head     8-bit head of 181 x 217 x 181 voxels without a header (scripts/demo makes "
     "build/demo/ch2.raw);\n"
     "             without it a smooth phantom of that size\n"
-    "  --only     rows whose name contains the text\n"
+    "  --only     rows whose name contains the text, or is what follows a =\n"
     "  --seconds  time for each row, 0.5 unless given; six times that where files are loaded\n",
     0.5};
 

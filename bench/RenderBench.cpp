@@ -31,7 +31,7 @@ constexpr bench::Usage kUsage = {"Usage: bench_render [--head FILE] [--only TEXT
                                  "  --head     8-bit head of 181 x 217 x 181 voxels without a header "
                                  "(scripts/demo makes build/demo/ch2.raw);\n"
                                  "             without it a smooth phantom of that size\n"
-                                 "  --only     rows whose name contains the text\n"
+                                 "  --only     rows whose name contains the text, or is what follows a =\n"
                                  "  --seconds  time for each row, 0.6 unless given\n",
                                  0.6};
 
