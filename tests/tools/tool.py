@@ -1,5 +1,5 @@
 """Runs zentra.exe in a folder of its own and reads what it wrote. Programs come from the environment:
-ZENTRA_EXE, HOST_EXE, and RUN_WINE, the wrapper that runs them."""
+ZENTRA_EXE, HOST_EXE, RUN_WINE, the wrapper that runs them, and ZENTRA_BITS, the width of their addresses."""
 import io
 import os
 import pathlib
