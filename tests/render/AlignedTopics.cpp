@@ -53,6 +53,30 @@ void AlignedViewsOfTurntablesAtWholeDegrees(Visit& visit) {
     }
 }
 
+// A picture axis lies along a volume axis without any rounding, but the step of a ray has a little of that axis, too. A
+// host's matrix with short steps ends rays before they meet a face; on a face that a line ends on, they still cross it.
+void AlignedViewsWhoseStepsAloneStrayFromTheirLines(Visit& visit) {
+    RandomSource random(7);
+    visit.Show(RandomVolume(random, visit.Size(13, 12, 14)));
+    for (std::size_t axis = 0; axis < 3; ++axis) {
+        for (std::size_t row = 0; row < 2; ++row) {
+            for (const float step : {1e-12f, -4.4e-8f, 1e-6f, -1e-5f, 2e-5f}) {
+                const Angle angle = FromHalfTangent(random.Within(-1, 1));
+                const double length = random.Chance(3) ? 1 : random.Within(0.4, 0.8);
+                Rotation rotation = {};
+                rotation[3 * row + axis] = random.Chance(2) ? 1.0f : -1.0f;
+                rotation[3 * (1 - row) + (axis + 1) % 3] = static_cast<float>(angle.cosine);
+                rotation[3 * (1 - row) + (axis + 2) % 3] = static_cast<float>(angle.sine);
+                rotation[6 + (axis + 1) % 3] = static_cast<float>(-length * angle.sine);
+                rotation[6 + (axis + 2) % 3] = static_cast<float>(length * angle.cosine);
+                rotation[6 + axis] = step;
+                visit.See(visit.View(rotation));
+                SeeSomehow(visit, rotation, random);
+            }
+        }
+    }
+}
+
 // Slabs of 32 voxels and groups of 16, and what is left over behind them; short rows; single slices.
 void AlignedViewsOfEverySizeUpTo70(Visit& visit) {
     RandomSource random(3);
@@ -235,6 +259,7 @@ std::vector<Topic> AlignedTopics() {
     return {
         {"AlignedViewsAtEveryCombinationOfRightAngles", AlignedViewsAtEveryCombinationOfRightAngles},
         {"AlignedViewsOfTurntablesAtWholeDegrees", AlignedViewsOfTurntablesAtWholeDegrees},
+        {"AlignedViewsWhoseStepsAloneStrayFromTheirLines", AlignedViewsWhoseStepsAloneStrayFromTheirLines},
         {"AlignedViewsOfEverySizeUpTo70", AlignedViewsOfEverySizeUpTo70},
         {"AlignedViewsOfLinesOfSeveralBlocks", AlignedViewsOfLinesOfSeveralBlocks},
         {"AlignedViewsThroughDeepVolumes", AlignedViewsThroughDeepVolumes},
