@@ -50,7 +50,7 @@ TEST(GreyConversion, SaturatesButReportsWhatLiesBeyond) {
 
 // Samples are converted 4096 at a time: neither what came before nor the first of a lot is forgotten.
 TEST(GreyConversion, FindsTheExtremesOfALargeSliceWhereverTheyAre) {
-    for (const std::size_t lowest : {0, 4096, 9999}) {
+    for (const std::size_t lowest : {0u, 4096u, 9999u}) {
         std::vector<float> samples(10000, 0.5f);
         samples[lowest] = 0;
         samples[samples.size() - 1 - lowest] = 1;

@@ -158,7 +158,8 @@ std::string Describe(const reference::Request& request) {
                               + withBits(request.low) + ", high " + withBits(request.high) + ", extra "
                               + withBits(std::bit_cast<float>(request.extraBits)) + ", rotation";
     for (const float element : request.rotation) {
-        description += " " + withBits(element);
+        description += ' ';
+        description += withBits(element);
     }
     return description;
 }
