@@ -2,6 +2,7 @@
 #include "exports/ExportedVolume.h"
 #include "exports/Library.h"
 #include "exports/Picture.h"
+#include "support/RenderModes.h"
 
 #include <gtest/gtest.h>
 
@@ -68,7 +69,7 @@ Results CallIn(const HostState& state, Volume3D* volume, short mode, std::vector
 
 TEST(HostState, ChangesNoResultAndIsLeftAsItWas) {
     const ExportedVolume volume(13, 11, 9, 1);
-    for (short mode = RenderModeMaximum; mode <= RenderModeFirstHit; ++mode) {
+    for (const RenderMode mode : kRenderModes) {
         std::vector<HostState> after;
         const Results expected = CallIn(kOrdinary, volume.Get(), mode, after);
         for (const HostState& state : kStates) {
