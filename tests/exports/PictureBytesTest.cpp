@@ -3,6 +3,7 @@
 #include "exports/Library.h"
 #include "exports/Picture.h"
 
+#include "support/RenderModes.h"
 #include "support/TemporaryFile.h"
 
 #include <gtest/gtest.h>
@@ -48,6 +49,7 @@ constexpr Conversion kConversions[] = {
     {RenderModeFirstHit, 0, 1, Suggestion::AsItIs},
     {RenderModeFirstHit, 0, 3, Suggestion::AsItIs},
 };
+static_assert(HaveEveryMode(kConversions));
 
 // Without the marks of empty pixels, which are the background.
 Floats Values(const Picture& picture) {

@@ -2,6 +2,8 @@
 #include "exports/Library.h"
 #include "exports/Picture.h"
 
+#include "support/RenderModes.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -40,6 +42,7 @@ constexpr ValuesOfMode kTable[] = {
     {RenderModeFirstHit, 0, 1, kNothing, 0, 255},
     {RenderModeFirstHit, 0, 3, kNothing, 0, 255},
 };
+static_assert(HaveEveryMode(kTable));
 
 class PictureValues : public ::testing::TestWithParam<ValuesOfMode> {};
 
