@@ -22,7 +22,8 @@ struct RaySums {
 
     RaySums() = default;
     RaySums(const RaySums&) = default;
-    // Member by member: copied as a block, it would wait for members that have just been stored.
+    // Member by member: copied as a block, it would wait for members that have just been stored. To itself it does
+    // nothing. NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
     Z3D_INLINE RaySums& operator=(const RaySums& other) {
 #pragma GCC unroll 4
         for (int part = 0; part < kParts; ++part)

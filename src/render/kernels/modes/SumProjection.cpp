@@ -17,6 +17,8 @@ namespace {
 template <class VoxelFormat>
 struct Sum {
     using Format = VoxelFormat;
+    // Its copy is the compiler's, which names an index.
+    // NOLINTNEXTLINE(bugprone-reserved-identifier,readability-identifier-naming)
     struct State {
         RaySums sum[Format::kChannels];
         Bytes isFound;

@@ -120,12 +120,13 @@ void Finish(const Rule& rule, const std::byte* own, const PixelTarget& target) {
 }
 
 constexpr std::size_t kSmallState = 128;
+constexpr std::size_t kThreeVectors = 3 * Z3D_VECTOR_BYTES;
+constexpr std::size_t kFewRegisters = kSmallState > kThreeVectors ? kSmallState : kThreeVectors;
 
 // Groups that are reduced together, at least: finding a sample serves for all of them, and arithmetic on few vectors
 // need not wait for itself. And at most, where their states are in registers.
 template <Mode M>
-constexpr bool kIsLarge = sizeof(typename M::State) > kSmallState
-                          && sizeof(typename M::State) > 3 * Z3D_VECTOR_BYTES;
+constexpr bool kIsLarge = sizeof(typename M::State) > kFewRegisters;
 template <Mode M>
 constexpr std::int32_t kGroupsTogether = M::Format::kChannels > 1 || kIsLarge<M> ? 1 : 2;
 template <Mode M, bool kIsFull>
