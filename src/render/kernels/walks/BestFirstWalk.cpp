@@ -171,6 +171,7 @@ Z3D_INLINE void BestFirstWalk::PlaceBest(Bytes best, Positions& positions) const
 
 // One stretch of each ray.
 void BestFirstWalk::LookAt(Positions& positions, Bytes samples, GreyExtreme::State& state) {
+    // Fetch what the rays are at, then take sample by sample what the window accepts.
     looked_ += kRays;
     stepper_.NextStretch(positions, kSamples, indexes_, false);
     alignas(64) Stretch<1> stretch;
@@ -224,6 +225,7 @@ void BestFirstWalk::MergePacket(std::int32_t row, std::int32_t column, const Gre
     StoreSquare(LoadSquare(isFound_, row, column) | state.isFound, isFound_, row, column);
 }
 
+// Ranks become pixels as the mode would make them of its own states.
 void BestFirstWalk::FinishSpan(std::int32_t rows, std::int32_t columns) const {
     for (std::int32_t row = 0; row < rows; ++row) {
         for (std::int32_t column = 0; column < columns; column += kRays) {

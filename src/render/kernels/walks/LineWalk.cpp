@@ -167,6 +167,7 @@ void LineWalk::StartLines(std::int32_t line) {
 }
 
 void LineWalk::ReduceLines() {
+    // Zeroes are where every mode begins.
     __builtin_memset(states_, 0,
                      std::size_t{kRays} * static_cast<std::size_t>(rows_.groups)
                          * static_cast<std::size_t>(rule_.stateBytes));
@@ -190,12 +191,14 @@ void LineWalk::ReduceLines() {
 
 // The line of voxels of each sample.
 void LineWalk::FindVoxels(int row, int samples) {
+    // Rays that end with their first sample have one line of voxels, picked out of the volume.
     if (source_ == Source::Picked) {
         const auto x = static_cast<std::int32_t>(indexes_.plane[0][row]);
         const auto other = static_cast<std::int32_t>(indexes_.z[0][row]);
         rows_.voxels[0] = picked_;
         return rule_.voxelBytes == 1 ? PickVoxels<1>(x, other) : PickVoxels<3>(x, other);
     }
+    // Of others each sample has a line that lies ready, in the volume or in the slab.
     const auto bytes = static_cast<std::size_t>(rule_.voxelBytes);
     for (int sample = 0; sample < samples; ++sample) {
         const std::uint32_t layer = indexes_.z[sample][row];
@@ -227,6 +230,7 @@ void LineWalk::PickVoxels(std::int32_t x, std::int32_t other) {
     }
 }
 
+// Lines beyond the last one have states, but no pixels.
 void LineWalk::FinishLines(std::int32_t line) {
     const std::int32_t left = lines_.LastLine() - line + 1;
     const int count = left < kRays ? left : kRays;

@@ -22,6 +22,7 @@ PacketWalk::PacketWalk(const Projection& projection, const Rule& rule)
       table_(projection, rule.subject),
       bounds_(table_, projection.grid) {}
 
+// Tile by tile: rays of a tile ask for voxels that lie near each other, and are trimmed together.
 void PacketWalk::Render(std::int32_t firstRow) {
     for (std::int32_t band = firstRow; band < rays_.Bottom(); band += kTileSide) {
         const std::int32_t rows = Fewer(kTileSide, rays_.Bottom() - band);
@@ -83,6 +84,7 @@ void PacketWalk::PrepareSkipping() {
 
 // Samples of packets that change no ray, in the whole image: found by rendering a few packets here and there.
 double PacketWalk::EstimateFruitless() {
+    // How many packets there are, and on how many of their rows some are tried.
     const std::int32_t border = rule_.shape.border;
     const std::int32_t packetRows = PacketsIn(rays_.Bottom() - border);
     const std::int32_t packets = PacketsIn(rays_.Right() - border);
@@ -111,6 +113,7 @@ double PacketWalk::EstimateFruitless() {
 
 void PacketWalk::RenderPacket(std::int32_t band, std::int32_t row, std::int32_t tile, std::int32_t column) {
     if (isAgain_ && !IsAgain(band + row, kPacketSide, tile + column, kPacketSide)) return;
+    // Sixteen rays of the tile, which has been trimmed.
     Packet packet;
     rays_.Gather(row, column, packet);
     // Zeroes are where every mode begins. Rays without samples keep them, and become the initial value.
@@ -163,12 +166,14 @@ void PacketWalk::FollowBestFirst(const Packet& packet, std::int32_t top, std::in
     Positions positions;
     rays_.PlaceStarts(packet, top, left, positions);
     for (std::int32_t done = 0;;) {
+        // See what lies ahead, then look at what promises most until nothing ahead can change a ray.
         const int stretches = MarchOn(packet, done, positions);
         while (StretchAhead* best = MostPromising(stretches)) {
             Look(best->start, best->samples, best->remaining);
             best->bounds = Bytes{};
             ++looked_;
         }
+        // Go on behind them while a ray has samples and has not ended.
         done += stretches * kSamples;
         const Bytes hasMore = ~AreEqual(RemainingOf(packet, done), Bytes{});
         if (!AnySet(hasMore & ~AreEqual(states_.settled, AllBytes(255)))) return;
@@ -182,11 +187,13 @@ int PacketWalk::MarchOn(const Packet& packet, std::int32_t done, Positions& posi
     int stretches = 0;
     Bytes lacks = AllBytes(255);
     for (; stretches < kChunk && done < packet.longest && AnySet(lacks); done += kSamples) {
+        // Write down where the stretch begins, and what is left of its rays.
         if (stretches > 0) stepper_.SkipStretch(positions);
         StretchAhead& ahead = ahead_[stretches++];
         ahead.start = positions;
         ahead.remaining = RemainingOf(packet, done);
         ahead.samples = Fewer(packet.longest - done, kSamples);
+        // Rays that have ended promise nothing. Those that may find the highest value here need not know what follows.
         const Bytes hasMore = ~AreEqual(ahead.remaining, Bytes{});
         ahead.bounds = bounds_.BoundsAt(positions) & hasMore;
         lacks = hasMore & ~AreEqual(ahead.bounds, AllBytes(255));
@@ -195,7 +202,8 @@ int PacketWalk::MarchOn(const Packet& packet, std::int32_t done, Positions& posi
     return stretches;
 }
 
-// The stretch of the largest bounds among those that can change a ray; null without any.
+// The stretch of the largest bounds among those that can change a ray; null without any. Bounds of all sixteen rays are
+// summed, because a look is one for all of them.
 PacketWalk::StretchAhead* PacketWalk::MostPromising(int stretches) {
     StretchAhead* best = nullptr;
     std::int32_t most = 0;
@@ -240,11 +248,13 @@ void PacketWalk::Probe(Positions& positions, int samples, Bytes remaining) {
     wasFruitless_ = isFruitless;
 }
 
+// Finds the voxels of the next samples, and lets the mode take them.
 void PacketWalk::Look(Positions& positions, int samples, Bytes remaining) {
     stepper_.NextStretch(positions, samples, indexes_, rule_.keepsPositions);
     rule_.lookAt(rule_, indexes_, samples, remaining, states_);
 }
 
+// Whether a ray with samples left could change in a stretch. Bounds and what is settled are numbers of one scale.
 bool PacketWalk::IsWanted(const Positions& positions, Bytes remaining) {
     const Bytes wanted = AreAbove(bounds_.BoundsAt(positions), states_.settled);
     const bool isWanted = AnySet(wanted & ~AreEqual(remaining, Bytes{}));
