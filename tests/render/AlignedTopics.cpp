@@ -94,11 +94,11 @@ void AlignedViewsOfEverySizeUpTo70(Visit& visit) {
     }
 }
 
-// Lines are reduced in blocks of 128 or 256 voxels.
+// Lines are reduced in blocks of 128 to 512 voxels.
 void AlignedViewsOfLinesOfSeveralBlocks(Visit& visit) {
     RandomSource random(6);
     for (int axis = 0; axis < 3; ++axis) {
-        for (const int length : {129, 257, 300}) {
+        for (const int length : {129, 257, 300, 449, 513, 600}) {
             VolumeSize sides = RandomSize(random, 9, visit.BytesPerVoxel());
             int* const chosen[] = {&sides.width, &sides.height, &sides.depth};
             *chosen[axis] = length;

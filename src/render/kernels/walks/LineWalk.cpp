@@ -18,6 +18,16 @@ LineWalk::Source LineWalk::SourceOf(const Rule& rule, const ViewLines& lines) {
     return rule.shape.sampleLimit == 1 ? Source::Picked : Source::Slab;
 }
 
+// As many as sixteen lines of states have room for, in whole numbers of what is reduced together. Sixteen colours lie
+// three times as far apart as sixteen grey voxels.
+std::int32_t LineWalk::MostGroupsOf(const Rule& rule) {
+    static_assert(kStateBytes / (kMostStateBytes * kRays) >= kGroupStep);
+    const auto fit =
+        static_cast<std::int32_t>(kStateBytes / (static_cast<std::size_t>(rule.stateBytes) * kRays));
+    const std::int32_t most = rule.voxelBytes == 1 ? kMostGroups : kMostGroups / 2;
+    return fit < most ? fit / kGroupStep * kGroupStep : most;
+}
+
 // Through a grid that has on its first axis what lies side by side, then the two others.
 SampleStepper LineWalk::StepperOf(const Projection& projection, const Rule& rule, const ViewLines& lines) {
     const Source source = SourceOf(rule, lines);
@@ -36,10 +46,7 @@ LineWalk::LineWalk(const Projection& projection, const Rule& rule, const ViewLin
       rule_(rule),
       lines_(lines),
       source_(SourceOf(rule, lines)),
-      // Sixteen lines of states have to fit.
-      mostGroups_(static_cast<std::size_t>(rule.stateBytes) * kRays * kMostGroups <= kStateBytes
-                      ? kMostGroups
-                      : kMostGroups / 2),
+      mostGroups_(MostGroupsOf(rule)),
       slab_(projection.grid, lines.Axis(), rule.voxelBytes, ExtentOf(projection, rule, lines)),
       stepper_(StepperOf(projection, rule, lines)) {
     const std::int32_t first = lines.VoxelAt(lines.First());

@@ -1,7 +1,7 @@
 // The walk for views in lines (ViewLines): the rays of a line take the same path through lines of voxels, so these are
 // reduced whole, sixteen voxels at a time.
 //
-// What is reduced next lies near in memory: sixteen lines go side by side, sixteen samples deep, over up to 256
+// What is reduced next lies near in memory: sixteen lines go side by side, sixteen samples deep, over up to 512
 // pixels. Lines of x are rows of voxels; those of y and z are laid out first, a slab at a time, or picked out voxel by
 // voxel where rays take no more than one.
 #pragma once
@@ -28,8 +28,10 @@ private:
     enum class Source { Rows, Slab, Picked }; // of the voxels of a line
 
     static constexpr std::size_t kStateBytes = 64 << 10;
+    static constexpr std::int32_t kGroupStep = 4; // all rules reduce so many together, or a part of them
 
     static Source SourceOf(const Rule& rule, const ViewLines& lines);
+    static std::int32_t MostGroupsOf(const Rule& rule);
     static SampleStepper StepperOf(const Projection& projection, const Rule& rule, const ViewLines& lines);
     static VoxelSlab::Extent ExtentOf(const Projection& projection, const Rule& rule, const ViewLines& lines);
 

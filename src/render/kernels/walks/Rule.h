@@ -33,7 +33,7 @@ struct alignas(64) RayStates {
     alignas(64) std::byte own[kMostStateBytes];
 };
 
-constexpr std::int32_t kMostGroups = 16; // of sixteen voxels side by side, reduced in one go
+constexpr std::int32_t kMostGroups = 32; // of sixteen voxels side by side, reduced in one go
 
 // The samples of groups of sixteen columns of rays: sample s of group g is the sixteen voxels that begin at
 // voxels[s] + offsets[g].
