@@ -47,7 +47,7 @@ if(ZENTRA_FUZZ)
 endif()
 
 # Presets whose sources the native build has compiled one by one compile them in groups: most of the time goes into
-# headers. What ships is compiled file by file everywhere; under sanitizers it need not be.
+# headers. The library is compiled file by file wherever it ships; under sanitizers it need not be.
 set(ZENTRA_GROUP_LIBRARY OFF)
 if(CMAKE_UNITY_BUILD AND (ZENTRA_SANITIZE OR ZENTRA_FUZZ))
   set(ZENTRA_GROUP_LIBRARY ON)
