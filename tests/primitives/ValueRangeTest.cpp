@@ -85,6 +85,15 @@ TEST_P(ValueRangeTest, KeepsTheFirstOfTwoZeroes) {
     ExpectBits(RangeOf(std::vector<float>{0.0f}, {-0.0f, -0.0f}), -0.0f, -0.0f);
 }
 
+TEST_P(ValueRangeTest, KeepsTheFirstOfTwoZeroesOfSingleValuesAndOfRanges) {
+    for (const float first : {0.0f, -0.0f}) {
+        ValueRange range = {first, first};
+        range.Widen(-first);
+        range.Widen(ValueRange{-first, -first});
+        ExpectBits(range, first, first);
+    }
+}
+
 // Lane 3 sees its zero before lane 0 does.
 TEST_P(ValueRangeTest, KeepsTheFirstOfTwoZeroesInDifferentLanes) {
     std::vector<float> samples(64, -2.0f);
