@@ -97,8 +97,4 @@ function(zentra_kernel_code target set)
   target_compile_options(${target} PRIVATE ${zentra_flags_${set}} ${optimisation}
     $<$<CXX_COMPILER_ID:GNU>:-Wno-uninitialized -Wno-maybe-uninitialized>)
   target_compile_definitions(${target} PRIVATE Z3D_RECORDS_ONLY)
-  if(NOT ZENTRA_GROUP_LIBRARY)
-    # Most sources of kernels are read in less time than the intrinsics that they include.
-    target_precompile_headers(${target} PRIVATE <immintrin.h>)
-  endif()
 endfunction()
