@@ -6,6 +6,7 @@
 #include "render/LockedVolume.h"
 #include "render/Projection.h"
 #include "render/ProjectionImage.h"
+#include "render/voxels/SliceOffsets.h"
 
 #include <algorithm>
 #include <cmath>
@@ -165,9 +166,14 @@ float* ProjectionRenderer::RenderWith(const ModeKernels& kernels, bool isGathere
     ProjectionImage image(outputWidth, outputHeight);
     if (!image) return nullptr;
 
+    SliceOffsets offsets;
+    if (isGathered) {
+        const std::uint64_t voxelBytes = locked.IsColour() ? 3 : 1;
+        offsets = SliceOffsets(locked.Slices(), volumeDepth, voxelBytes * volume->width * volume->height);
+    }
     const Projection projection = {
         .view = *this,
-        .grid = {locked.Slices(), volumeWidth, volumeHeight, volumeDepth, isGathered},
+        .grid = {locked.Slices(), volumeWidth, volumeHeight, volumeDepth, isGathered, offsets.Get()},
         .arguments = arguments,
         .pixels = image.Pixels(),
         .skipPolicy = CurrentSkipPolicy()};

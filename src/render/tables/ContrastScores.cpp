@@ -83,6 +83,7 @@ bool ContrastScores::Allocate(std::size_t scoreBytes) {
     for (std::size_t z = 0; z < depth; ++z)
         slices[z] = scores_.Get() + z * plane * scoreBytes;
     slices_ = std::move(slices);
+    if (grid_.isGathered) offsets_ = SliceOffsets(slices_.Get(), grid_.depth, plane * scoreBytes);
     return true;
 }
 

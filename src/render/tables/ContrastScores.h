@@ -7,6 +7,7 @@
 
 #include "platform/Heap.h"
 #include "render/Projection.h"
+#include "render/voxels/SliceOffsets.h"
 #include "render/voxels/Windows.h"
 
 #include <cstddef>
@@ -35,7 +36,7 @@ public:
     VoxelGrid Grid() const {
         // Gathers count the bytes of a slice of scores in 32 bits.
         const bool isGathered = grid_.isGathered && std::int64_t{grid_.width} * grid_.height <= INT32_MAX;
-        return {slices_.Get(), grid_.width, grid_.height, grid_.depth, isGathered};
+        return {slices_.Get(), grid_.width, grid_.height, grid_.depth, isGathered, offsets_.Get()};
     }
 
 private:
@@ -69,6 +70,7 @@ private:
     const VoxelGrid& grid_;
     const GreyWindow window_;
     platform::HeapArray<const std::uint8_t*> slices_;
+    SliceOffsets offsets_;
     platform::HeapArray<std::uint8_t> scores_;
     platform::HeapArray<std::int32_t> neighbours_;
     Direction direction_[kDirections];

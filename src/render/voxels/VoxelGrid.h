@@ -8,6 +8,12 @@
 
 namespace z3d::render {
 
+// Slice z begins `offsets[z]`, a signed number, behind `origin` (SliceOffsets). Without offsets it has to be looked up.
+struct GatheredSlices {
+    std::uintptr_t origin = 0;
+    const std::uint32_t* offsets = nullptr;
+};
+
 // The locked voxels of a volume.
 struct VoxelGrid {
     const std::uint8_t* const* slices; // `depth` addresses; the rows of a slice follow each other
@@ -15,6 +21,7 @@ struct VoxelGrid {
     std::int32_t height;
     std::int32_t depth;
     bool isGathered = false; // by single instructions: only where the instruction set in use is Avx512Gather
+    GatheredSlices gathered = {}; // then
 
     // The bytes of voxel (x, y, z), which must exist.
     template <int kBytesPerVoxel>

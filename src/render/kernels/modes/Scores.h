@@ -29,7 +29,7 @@ struct Scores {
                                            Scores::Samples& stretch) {
     for (int sample = 0; sample < samples; ++sample) {
         const Uints plane = LoadUints(indexes.plane[sample]);
-        const Uints words = GatherFromSlices(grid.slices, indexes.z[sample], plane + plane);
+        const Uints words = GatherFromSlices(grid, indexes.z[sample], plane + plane);
         __m256i scores = _mm512_cvtepi32_epi16(reinterpret_cast<__m512i>(words));
         asm("" : "+x"(scores)); // in a register, as LowestBytes
         stretch.sample[sample] = {_mm256_castsi256_si128(scores), _mm256_extracti128_si256(scores, 1)};

@@ -24,14 +24,14 @@ struct Stretch {
         static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height);
     if (voxels < 4) return false;
     const __m512i lastWord = _mm512_set1_epi32(static_cast<int>(voxels - 4));
-    const SlicesAtHand slices(grid.slices, grid.depth, indexes.z[0], indexes.z[samples - 1]);
+    const SlicesAtHand slices(grid, indexes.z[0], indexes.z[samples - 1]);
     const bool areNear = slices.AreNear();
     for (int sample = 0; sample < samples; ++sample) {
         const __m512i plane = _mm512_load_si512(indexes.plane[sample]);
         const __m512i word = _mm512_min_epu32(plane, lastWord);
         const auto offset = reinterpret_cast<Uints>(word);
-        const Uints four = areNear ? slices.Gather(indexes.z[sample], offset)
-                                   : GatherFromSlices(grid.slices, indexes.z[sample], offset);
+        const Uints four = areNear ? slices.Gather(grid, indexes.z[sample], offset)
+                                   : GatherFromSlices(grid, indexes.z[sample], offset);
         const __m512i bits = _mm512_slli_epi32(_mm512_sub_epi32(plane, word), 3);
         stretch.sample[sample].channel[0] =
             LowestBytes(reinterpret_cast<Uints>(_mm512_srlv_epi32(reinterpret_cast<__m512i>(four), bits)));
@@ -45,14 +45,14 @@ struct Stretch {
     const std::uint32_t last =
         static_cast<std::uint32_t>(grid.width) * static_cast<std::uint32_t>(grid.height) - 1;
     if (last == 0) return false;
-    const SlicesAtHand slices(grid.slices, grid.depth, indexes.z[0], indexes.z[samples - 1]);
+    const SlicesAtHand slices(grid, indexes.z[0], indexes.z[samples - 1]);
     const bool areNear = slices.AreNear();
     for (int sample = 0; sample < samples; ++sample) {
         const Uints voxel = LoadUints(indexes.plane[sample]);
         const Uints isLast = reinterpret_cast<Uints>(voxel == last);
         const Uints offset = voxel + voxel + voxel + isLast;
-        const Uints colours = areNear ? slices.Gather(indexes.z[sample], offset)
-                                      : GatherFromSlices(grid.slices, indexes.z[sample], offset);
+        const Uints colours = areNear ? slices.Gather(grid, indexes.z[sample], offset)
+                                      : GatherFromSlices(grid, indexes.z[sample], offset);
         Store(stretch.sample[sample], colours >> (isLast & 8));
     }
     return true;
