@@ -89,14 +89,14 @@ public:
     };
     Z3D_INLINE State First(const std::uint8_t* row) const {
         State state;
-        __builtin_memcpy(&state.largest, row, sizeof state.largest);
+        LoadBytes(row, state.largest);
         for (int part = 0; part < 3; ++part)
             state.smallest[part] = state.largest[part];
         return state;
     }
     Z3D_INLINE void Add(State& state, const std::uint8_t* row) const {
         Bytes bytes[3];
-        __builtin_memcpy(&bytes, row, sizeof bytes);
+        LoadBytes(row, bytes);
 #pragma GCC unroll 3
         for (int part = 0; part < 3; ++part) {
             if (kLargest) state.largest[part] = Larger(state.largest[part], bytes[part]);

@@ -198,7 +198,7 @@ Z3D_INLINE void ReduceColours(const M& mode, const VoxelRows& rows, std::int32_t
                               typename M::State& state) {
     const std::ptrdiff_t offset = rows.offsets[group];
     Bytes outer[3];
-    __builtin_memcpy(&outer, rows.voxels[0] + offset, sizeof outer);
+    LoadBytes(rows.voxels[0] + offset, outer);
     for (int sample = 1; sample < rows.samples; ++sample) {
         const std::uint8_t* from = rows.voxels[sample] + offset;
 #pragma GCC unroll 3
