@@ -1,8 +1,9 @@
-// Nothing is read or written beside the memory that a projection is given: each slice, the table of slices, the
+// Nothing is read or written beside the memory that a projection is given: each slice, the tables of slices, the
 // pixels and all scratch lie directly before or behind pages that cannot be accessed.
 #include "render/InstructionSet.h"
 #include "render/KernelDifferential.h"
 #include "render/Projection.h"
+#include "render/voxels/SliceOffsets.h"
 #include "support/AlwaysSkipping.h"
 #include "support/GuardedBytes.h"
 #include "support/GuardedHeap.h"
@@ -22,45 +23,61 @@ using namespace z3d::test;
 class GuardedSlices {
 public:
     GuardedSlices(const reference::Volume& volume, GuardedEnd end)
-        : addresses_(static_cast<std::size_t>(volume.depth) * sizeof(std::uint8_t*), end) {
-        const std::size_t bytes = volume.voxels.size() / static_cast<std::size_t>(volume.depth);
-        for (std::size_t z = 0; z < static_cast<std::size_t>(volume.depth); ++z) {
-            const GuardedBytes& slice = slices_.emplace_back(bytes, end);
-            std::memcpy(slice.As<std::uint8_t>(), volume.voxels.data() + z * bytes, bytes);
+        : depth_(volume.depth),
+          bytes_(volume.voxels.size() / static_cast<std::size_t>(depth_)),
+          addresses_(static_cast<std::size_t>(depth_) * sizeof(std::uint8_t*), end) {
+        for (std::size_t z = 0; z < static_cast<std::size_t>(depth_); ++z) {
+            const GuardedBytes& slice = slices_.emplace_back(bytes_, end);
+            std::memcpy(slice.As<std::uint8_t>(), volume.voxels.data() + z * bytes_, bytes_);
             addresses_.As<const std::uint8_t*>()[z] = slice.As<std::uint8_t>();
         }
     }
     const std::uint8_t* const* Get() const { return addresses_.As<const std::uint8_t*>(); }
+    render::SliceOffsets Offsets() const { return {Get(), depth_, bytes_}; }
 
 private:
+    const std::int32_t depth_;
+    const std::size_t bytes_;
     std::vector<GuardedBytes> slices_;
     GuardedBytes addresses_;
 };
 
+// How slices are found: by their offsets, as nearly always, or by their addresses, where there are no offsets.
+enum class Finding { ByOffsets, ByAddresses };
+
 // On every instruction set that ComparedInstructionSets does not show as skipped.
 class GuardPages : public KernelDifferential {
 protected:
-    // Slices, their table, pixels and scratch in guarded memory.
+    // Slices, their tables, pixels and scratch in guarded memory.
     static reference::Projection RenderGuarded(const HostVolume& host, const GuardedSlices& slices,
-                                               GuardedEnd end, const reference::Request& request) {
+                                               Finding finding, GuardedEnd end,
+                                               const reference::Request& request) {
         const render::CropBox crop = {request.x0 - 1, request.x1 - 1, request.y0 - 1,
                                       request.y1 - 1, request.z0 - 1, request.z1 - 1};
         const render::ProjectionRenderer view(host.Get(), request.rotation.data(), crop, 0);
         const auto floats = static_cast<std::size_t>(3 * view.outputWidth * view.outputHeight);
         const GuardedBytes pixels(floats * sizeof(float), end);
         const float extra = GetParam().extra;
-        const render::Projection projection = {
-            view,
-            {slices.Get(), view.volumeWidth, view.volumeHeight, view.volumeDepth, IsGathering()},
-            {request.high, request.low, extra},
-            pixels.As<float>(),
-            render::CurrentSkipPolicy()};
+        const GuardedHeap heap(end);
+        const render::SliceOffsets offsets =
+            finding == Finding::ByOffsets ? slices.Offsets() : render::SliceOffsets();
+        const render::Projection projection = {view,
+                                               {slices.Get(), view.volumeWidth, view.volumeHeight,
+                                                view.volumeDepth, IsGathering(), offsets.Get()},
+                                               {request.high, request.low, extra},
+                                               pixels.As<float>(),
+                                               render::CurrentSkipPolicy()};
         const render::ModeKernels* kernels =
             render::KernelsOfMode(render::CurrentKernels(), request.mode, extra);
-        const GuardedHeap heap(end);
         (BytesPerVoxel() == 3 ? kernels->colour : kernels->grey)(projection);
         return {view.outputWidth, view.outputHeight, 0, true,
                 std::vector<float>(pixels.As<float>(), pixels.As<float>() + floats)};
+    }
+
+    // Gathers of 32 bits cannot do without offsets; what does not gather takes no notice of them.
+    static std::vector<Finding> FindingsInUse() {
+        if (IsGathering() && sizeof(void*) == 8) return {Finding::ByOffsets, Finding::ByAddresses};
+        return {Finding::ByOffsets};
     }
 
     static std::vector<reference::Request> Views(const reference::Volume& volume, RandomSource& random) {
@@ -80,16 +97,20 @@ protected:
     static void ExpectNoFault(const reference::Volume& volume, GuardedEnd end, RandomSource& random) {
         const HostVolume host(volume);
         const GuardedSlices slices(volume, end);
+        ASSERT_NE(slices.Offsets().Get().offsets, nullptr) << "slices lie too far apart";
         for (const reference::Request& request : Views(volume, random)) {
             const reference::Projection expected = reference::Render(volume, request);
             for (const render::InstructionSet set : RunnableInstructionSets()) {
                 FaultReport::Say(NameOf(set) + ", " + Describe(request) + ", " + Describe(volume));
                 render::ForceInstructionSet(set);
-                const reference::Projection actual = RenderGuarded(host, slices, end, request);
-                ASSERT_TRUE(SameBits(expected, actual)) << Describe(request) << "\n" << Describe(volume);
-                const AlwaysSkipping forced;
-                const reference::Projection skipping = RenderGuarded(host, slices, end, request);
-                ASSERT_TRUE(SameBits(expected, skipping)) << Describe(request) << "\n" << Describe(volume);
+                for (const Finding finding : FindingsInUse()) {
+                    const reference::Projection actual = RenderGuarded(host, slices, finding, end, request);
+                    ASSERT_TRUE(SameBits(expected, actual)) << Describe(request) << "\n" << Describe(volume);
+                    const AlwaysSkipping forced;
+                    const reference::Projection skipping = RenderGuarded(host, slices, finding, end, request);
+                    ASSERT_TRUE(SameBits(expected, skipping)) << Describe(request) << "\n"
+                                                              << Describe(volume);
+                }
             }
         }
         render::ForceInstructionSet(render::BestInstructionSet());
