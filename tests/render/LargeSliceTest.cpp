@@ -1,5 +1,6 @@
-// Volumes that no 32-bit process holds: slices of more than 2 GiB, more than 4 GiB together, seen edge-on. Nearly all of
-// their memory is zeroes that are never written. What lies far inside is seen as in a volume of just these voxels.
+// Volumes that no 32-bit process holds: slices of more than 2 GiB, most of them more than 4 GiB together, seen edge-on.
+// Nearly all of their memory is zeroes that are never written. What lies far inside is seen as in a volume of just
+// these voxels.
 #include "reference/ReferenceRenderer.h"
 #include "support/HostVolume.h"
 #include "support/LongTests.h"
@@ -37,9 +38,15 @@ struct Strip {
 constexpr int kKept = 100;
 // Sides beyond 2^15, slices beyond 2^31 bytes; crop boxes reach the 32767th voxel.
 constexpr Strip kStrips[] = {
-    {32000, 30000, 3, 3, 1, 31900, kKept}, {32000, 30000, 3, 3, 0, 29900, kKept},
-    {65534, 21000, 3, 3, 0, 20900, kKept}, {20000, 65534, 3, 3, 1, 19900, kKept},
-    {65534, 40000, 3, 1, 1, 32600, kKept}, {65534, 40000, 3, 1, 0, 32600, kKept},
+    {32000, 30000, 3, 3, 1, 31900, kKept},
+    {32000, 30000, 3, 3, 0, 29900, kKept},
+    {65534, 21000, 3, 3, 0, 20900, kKept},
+    {20000, 65534, 3, 3, 1, 19900, kKept},
+    {65534, 40000, 3, 1, 1, 32600, kKept},
+    {65534, 40000, 3, 1, 0, 32600, kKept},
+    // Two slices that begin within 4 GiB, but do not end there; and one, all within reach of 32-bit offsets.
+    {32000, 30000, 2, 3, 0, 29900, kKept},
+    {32000, 30000, 1, 3, 0, 29900, kKept},
 };
 constexpr std::uint64_t kGibibytesWanted = 12; // tables and scores are written
 
@@ -69,7 +76,8 @@ std::vector<Marker> Markers(const Strip& strip) {
         const int across = number == 0 ? 50 : random.Below(kKept);
         const int deep = number == 0 ? reach - 2 : random.Below(reach);
         if (number > 0 && across > 46 && across < 54) continue;
-        Marker marker = {across, deep, number == 0 ? 1 : random.Below(3), {200, 100, 50}};
+        Marker marker = {
+            across, deep, number == 0 ? strip.depth / 2 : random.Below(strip.depth), {200, 100, 50}};
         if (strip.along == 0) std::swap(marker.x, marker.y);
         if (number > 0) {
             for (std::uint8_t& byte : marker.value)
@@ -107,7 +115,7 @@ reference::Request EdgeOn(const Strip& strip, int first, RenderMode mode) {
     request.y0 = strip.along == 0 ? low : std::int16_t{1};
     request.y1 = strip.along == 0 ? high : std::int16_t{32767};
     request.z0 = 1;
-    request.z1 = 3;
+    request.z1 = static_cast<std::int16_t>(strip.depth);
     request.low = 0.5f;
     request.high = 766;
     return request;
@@ -121,7 +129,7 @@ const float* Pixel(const reference::Projection& picture, int column, int row) {
 
 void ExpectTheFirstMarkerAlone(const reference::Projection& picture, const Strip& strip, RenderMode mode) {
     if (mode == RenderModeSurface || mode == RenderModeBlend || mode == RenderModeContrast) return;
-    const float* pixel = Pixel(picture, strip.first + 50, 1);
+    const float* pixel = Pixel(picture, strip.first + 50, strip.depth - 1 - strip.depth / 2);
     EXPECT_EQ(pixel[0], 200.0f);
     EXPECT_EQ(pixel[1], strip.bytesPerVoxel == 3 ? 100.0f : 200.0f);
     EXPECT_EQ(pixel[2], strip.bytesPerVoxel == 3 ? 50.0f : 200.0f);
@@ -156,7 +164,7 @@ protected:
             const reference::Projection near = RenderProduct(small.Get(), EdgeOn(strip, 0, mode));
             ASSERT_TRUE(far.rendered);
             ASSERT_TRUE(near.rendered);
-            ASSERT_EQ(far.height, 3);
+            ASSERT_EQ(far.height, strip.depth);
             ExpectTheFirstMarkerAlone(far, strip, mode);
             // What lies beside the strip are other neighbours, and the picture's border is no contrast's.
             for (int row = 0; row < far.height; ++row) {
