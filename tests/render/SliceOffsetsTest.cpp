@@ -3,6 +3,7 @@
 
 #include "frame/Image2D.h"
 #include "render/KernelDifferential.h"
+#include "render/tables/ContrastScores.h"
 #include "support/InstructionSets.h"
 #include "support/ProductRenderer.h"
 #include "support/Refusals.h"
@@ -84,6 +85,30 @@ TEST(SliceOffsets, AreMissingWhereMemoryIsShort) {
 
     RefuseNothing();
     EXPECT_EQ(offsets.Get().offsets, nullptr);
+}
+
+// Where scores have none, 64 bits gather them by addresses, which nothing but the time would show, and 32 bits from
+// address 0.
+TEST(SliceOffsets, AreMadeForScoresWhereTheyAreGathered) {
+    const HostVolume host(5, 4, 3, 1);
+    const std::vector<std::uint8_t> voxels(5 * 4 * 3);
+    const Slices slices = {&voxels[0], &voxels[20], &voxels[40]};
+    const render::ProjectionRenderer view(host.Get(), kIdentity.data(), {}, 0);
+    for (const bool isGathered : {false, true}) {
+        const render::Projection projection = {
+            view, {slices.data(), 5, 4, 3, isGathered}, {}, nullptr, render::CurrentSkipPolicy()};
+        render::ContrastScores bytes(projection, render::GreyWindow({0, 255}));
+        render::ContrastScores words(projection, render::GreyWindow({0, 255}));
+        ASSERT_TRUE(bytes.MakeBytes());
+        ASSERT_TRUE(words.MakeWords());
+        for (const auto* scores : {&bytes, &words}) {
+            const render::VoxelGrid grid = scores->Grid();
+            EXPECT_EQ(grid.isGathered, isGathered);
+            ASSERT_EQ(grid.gathered.offsets != nullptr, isGathered);
+            for (std::size_t z = 0; isGathered && z < slices.size(); ++z)
+                EXPECT_EQ(Reached(grid.gathered, z, 0), grid.slices[z]) << z;
+        }
+    }
 }
 
 class GatheredViews : public KernelDifferential {};
