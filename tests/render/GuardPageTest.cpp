@@ -74,7 +74,7 @@ protected:
                 std::vector<float>(pixels.As<float>(), pixels.As<float>() + floats)};
     }
 
-    // Gathers of 32 bits cannot do without offsets; what does not gather takes no notice of them.
+    // In 32 bits, and where nothing is gathered, there is one way.
     static std::vector<Finding> FindingsInUse() {
         if (IsGathering() && sizeof(void*) == 8) return {Finding::ByOffsets, Finding::ByAddresses};
         return {Finding::ByOffsets};
@@ -97,7 +97,8 @@ protected:
     static void ExpectNoFault(const reference::Volume& volume, GuardedEnd end, RandomSource& random) {
         const HostVolume host(volume);
         const GuardedSlices slices(volume, end);
-        ASSERT_NE(slices.Offsets().Get().offsets, nullptr) << "slices lie too far apart";
+        ASSERT_TRUE(sizeof(void*) == 4 || slices.Offsets().Get().offsets != nullptr)
+            << "slices lie too far apart";
         for (const reference::Request& request : Views(volume, random)) {
             const reference::Projection expected = reference::Render(volume, request);
             for (const render::InstructionSet set : RunnableInstructionSets()) {

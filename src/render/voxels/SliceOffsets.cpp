@@ -8,22 +8,15 @@ namespace {
 
 constexpr std::uint64_t kReach = std::uint64_t{1} << 32; // of all offsets together
 
-std::uintptr_t AddressOf(const std::uint8_t* slice) { return reinterpret_cast<std::uintptr_t>(slice); }
+std::uint64_t AddressOf(const std::uint8_t* slice) { return reinterpret_cast<std::uintptr_t>(slice); }
 
 } // namespace
 
 SliceOffsets::SliceOffsets(const std::uint8_t* const* slices, std::int32_t depth, std::uint64_t sliceBytes) {
-    if constexpr (sizeof(void*) == sizeof(std::uint32_t)) {
-        slices_ = {0, reinterpret_cast<const std::uint32_t*>(slices)};
-    } else {
-        FindFromMiddle(slices, depth, sliceBytes);
-    }
-}
+    if constexpr (sizeof(void*) == sizeof(std::uint32_t)) return;
 
-void SliceOffsets::FindFromMiddle(const std::uint8_t* const* slices, std::int32_t depth,
-                                  std::uint64_t sliceBytes) {
-    std::uintptr_t low = AddressOf(slices[0]);
-    std::uintptr_t high = low;
+    std::uint64_t low = AddressOf(slices[0]);
+    std::uint64_t high = low;
     for (std::int32_t z = 1; z < depth; ++z) {
         low = std::min(low, AddressOf(slices[z]));
         high = std::max(high, AddressOf(slices[z]));
@@ -32,10 +25,10 @@ void SliceOffsets::FindFromMiddle(const std::uint8_t* const* slices, std::int32_
     offsets_ = platform::HeapArray<std::uint32_t>(static_cast<std::size_t>(depth));
     if (!offsets_) return;
 
-    const std::uintptr_t middle = low + kReach / 2;
+    const std::uint64_t middle = low + kReach / 2;
     for (std::int32_t z = 0; z < depth; ++z)
         offsets_[static_cast<std::size_t>(z)] = static_cast<std::uint32_t>(AddressOf(slices[z]) - middle);
-    slices_ = {middle, offsets_.Get()};
+    slices_ = {static_cast<std::uintptr_t>(middle), offsets_.Get()};
 }
 
 } // namespace z3d::render

@@ -8,8 +8,8 @@
 
 namespace z3d::render {
 
-// In 32 bits addresses are such offsets, from 0. In 64 bits slices that lie within four gigabytes have offsets from the
-// middle of those; others have none, and neither have any where memory is short.
+// Slices that lie within four gigabytes have offsets from the middle of those; others have none, and neither have any
+// where memory is short. In 32 bits none are made: addresses are such offsets, from 0.
 class SliceOffsets {
 public:
     SliceOffsets() = default;
@@ -19,8 +19,6 @@ public:
     GatheredSlices Get() const { return slices_; }
 
 private:
-    void FindFromMiddle(const std::uint8_t* const* slices, std::int32_t depth, std::uint64_t sliceBytes);
-
     GatheredSlices slices_;
     platform::HeapArray<std::uint32_t> offsets_;
 };

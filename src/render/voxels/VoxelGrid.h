@@ -8,7 +8,7 @@
 
 namespace z3d::render {
 
-// Slice z begins `offsets[z]`, a signed number, behind `origin` (SliceOffsets). Only 64 bits can do without offsets.
+// Slice z begins `offsets[z]`, a signed number, behind `origin` (SliceOffsets). Without offsets, by its address.
 struct GatheredSlices {
     std::uintptr_t origin = 0;
     const std::uint32_t* offsets = nullptr;

@@ -48,19 +48,23 @@ Z3D_INLINE Bytes LowestBytes(Uints words) {
     return reinterpret_cast<Uints>(_mm512_inserti64x4(_mm512_castsi256_si512(words[0]), words[1], 1));
 }
 
-// In 32 bits there always are offsets, and they count from 0: constants, as registers are few there.
-Z3D_INLINE bool HasOffsets(const VoxelGrid& grid) {
-    return sizeof(void*) == 4 || grid.gathered.offsets != nullptr;
+// In 32 bits addresses are offsets from 0.
+Z3D_INLINE const std::uint32_t* OffsetsOf(const VoxelGrid& grid) {
+    if constexpr (sizeof(void*) == 4) return reinterpret_cast<const std::uint32_t*>(grid.slices);
+    return grid.gathered.offsets;
 }
 Z3D_INLINE const std::uint8_t* OriginOf(const VoxelGrid& grid) {
     return reinterpret_cast<const std::uint8_t*>(sizeof(void*) == 4 ? 0 : grid.gathered.origin);
+}
+Z3D_INLINE bool HasOffsets(const VoxelGrid& grid) {
+    return sizeof(void*) == 4 || grid.gathered.offsets != nullptr;
 }
 
 // The four bytes `offset` bytes into each slice.
 Z3D_INLINE Uints GatherFromSlices(const VoxelGrid& grid, const std::uint32_t* z, Uints offset) {
     if (!HasOffsets(grid)) return GatherFarApart(grid.slices, z, offset);
     const __m512i first = _mm512_mask_i32gather_epi32(_mm512_setzero_si512(), EveryLane(),
-                                                      _mm512_loadu_si512(z), grid.gathered.offsets, 4);
+                                                      _mm512_loadu_si512(z), OffsetsOf(grid), 4);
     return GatherWords(OriginOf(grid), reinterpret_cast<Uints>(first) + offset);
 }
 
@@ -78,8 +82,8 @@ public:
         areNear_ = high - low < 2 * kHeld;
         const bool isEven = low % (2 * kHeld) == 0;
         const auto depth = static_cast<std::uint32_t>(grid.depth);
-        offset_[0] = Load(grid.gathered.offsets, depth, isEven ? low : low + kHeld);
-        offset_[1] = Load(grid.gathered.offsets, depth, isEven ? low + kHeld : low);
+        offset_[0] = Load(OffsetsOf(grid), depth, isEven ? low : low + kHeld);
+        offset_[1] = Load(OffsetsOf(grid), depth, isEven ? low + kHeld : low);
     }
 
     // False where they have to be looked up.
