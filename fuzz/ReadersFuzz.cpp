@@ -131,7 +131,7 @@ void ReadAll(const VolumeReader& reader, const FitRequest& request) {
     const Fitted fitted = reader.Fit(request);
     Require(fitted.size.width >= 1 && fitted.size.height >= 1 && fitted.size.depth >= 1);
     const ValueRange range = reader.ProposedInput({});
-    Require(facts.type == SampleType::Uint8 || range.low < range.high);
+    Require(range.low < range.high);
     const std::uint64_t slice =
         static_cast<std::uint64_t>(facts.size.width) * static_cast<std::uint64_t>(facts.size.height);
     if (fitted.ByteCount() > kMostVoxels || slice > kMostVoxels) return;

@@ -94,6 +94,17 @@ TEST_F(Nifti, ANegativeSlopeTurnsTheOrderRound) {
     EXPECT_EQ(Voxels(reader), (Ints{255, 170, 85, 0}));
 }
 
+// 1000 and a little are the same double, whatever is stored.
+TEST_F(Nifti, AScaleThatBringsAllToOneValueIsFull) {
+    fields_.slope = 1e-30f;
+    fields_.intercept = 1000;
+    EXPECT_EQ(Voxels(Reader(NiftiHeader(fields_) + "abcd")), (Ints{255, 255, 255, 255}));
+
+    fields_.type = 4;
+    EXPECT_EQ(Voxels(Reader(NiftiHeader(fields_) + Packed<int16_t>({0, 1, 2, 3}))),
+              (Ints{255, 255, 255, 255}));
+}
+
 TEST_F(Nifti, ASlopeThatIsNoNumberScalesNothing) {
     fields_.slope = std::nanf("");
     fields_.intercept = std::nanf("");

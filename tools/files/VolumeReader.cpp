@@ -98,6 +98,13 @@ FileFailure NoMemoryFor(const VolumeSize& size, uint64_t bytes) {
                               size.height, size.depth, Grouped(bytes).c_str()));
 }
 
+// One value everywhere, as a file's scale may also bring all to the same: between nothing and it.
+ValueRange NotEmpty(const ValueRange& values) {
+    if (values.low < values.high) return values;
+    const double value = values.low;
+    return value == 0 ? ValueRange{0, 1} : ValueRange{std::min(value, 0.0), std::max(value, 0.0)};
+}
+
 } // namespace
 
 uint64_t Fitted::ByteCount() const {
@@ -149,7 +156,7 @@ Fitted VolumeReader::Fit(const FitRequest& request) const {
 ValueRange VolumeReader::ProposedInput(const Progress& progress) const {
     const SampleType type = Facts().type;
     if (type == SampleType::Rgb8) return {0, 255};
-    if (type == SampleType::Uint8) return ValuesOf(Facts(), {0, 255});
+    if (type == SampleType::Uint8) return NotEmpty(ValuesOf(Facts(), {0, 255}));
     return Percentiles(progress);
 }
 
@@ -164,10 +171,7 @@ ValueRange VolumeReader::Percentiles(const Progress& progress) const {
     std::optional<ValueRange> range = histogram.RangeWithout(kLeftOut);
     if (!range) Refuse(facts.files.back(), "no voxel holds a number");
     if (range->low == range->high) range = histogram.RangeWithout(0);
-    if (range->low < range->high) return ValuesOf(facts, *range);
-    // One value everywhere: between nothing and it.
-    const double value = ValuesOf(facts, *range).low;
-    return value == 0 ? ValueRange{0, 1} : ValueRange{std::min(value, 0.0), std::max(value, 0.0)};
+    return NotEmpty(ValuesOf(facts, *range));
 }
 
 void VolumeReader::Read(const Fitted& fitted, const ValueRange& input, const SliceSink& sink,
